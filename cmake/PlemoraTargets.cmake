@@ -1,0 +1,59 @@
+# How the targets of this project are made: warnings are errors, and a target sees the headers of
+# its own folder and of the folders that it links, no others.
+
+add_library(plemora_options INTERFACE)
+target_compile_options(plemora_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -Wimplicit-fallthrough -Werror)
+if(PLEMORA_SANITIZE)
+  target_compile_options(plemora_options INTERFACE
+    -fsanitize=${PLEMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(plemora_options INTERFACE -fsanitize=${PLEMORA_SANITIZE})
+endif()
+
+# plemora_library(<target> FOLDER <folder below src> SOURCES <files> [LINKS <targets>] [PRIVATE_LINKS <targets>])
+# The folder is offered to dependents under its own name through a link in the build tree, so that
+# #include "folder/file.h" works for those who link the target and for nobody else.
+function(plemora_library target)
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  set(view ${PROJECT_BINARY_DIR}/include/${target})
+  cmake_path(GET ARG_FOLDER PARENT_PATH parent)
+  file(MAKE_DIRECTORY ${view}/${parent})
+  file(CREATE_LINK ${PROJECT_SOURCE_DIR}/src/${ARG_FOLDER} ${view}/${ARG_FOLDER} SYMBOLIC)
+  if(ARG_SOURCES)
+    add_library(${target} STATIC ${ARG_SOURCES})
+    target_include_directories(${target} PUBLIC ${view})
+    target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE plemora_options ${ARG_PRIVATE_LINKS})
+  else()
+    add_library(${target} INTERFACE)
+    target_include_directories(${target} INTERFACE ${view})
+    target_link_libraries(${target} INTERFACE ${ARG_LINKS})
+  endif()
+endfunction()
+
+# plemora_program(<target> SOURCES <files> LINKS <targets>)
+function(plemora_program target)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE plemora_options ${ARG_LINKS})
+endfunction()
+
+# plemora_test(<target> SOURCES <files> LINKS <targets> [TIMEOUT <seconds>] [SERIAL] [LABELS <labels>])
+# Every test case becomes a test of its own in CTest. SERIAL ones never run beside others.
+function(plemora_test target)
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 60)
+  endif()
+  add_executable(${target} ${ARG_SOURCES})
+  target_link_libraries(${target} PRIVATE plemora_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  set(properties TIMEOUT ${ARG_TIMEOUT})
+  if(ARG_SERIAL)
+    list(APPEND properties RUN_SERIAL TRUE)
+  endif()
+  if(ARG_LABELS)
+    list(APPEND properties LABELS "${ARG_LABELS}")
+  endif()
+  gtest_discover_tests(${target} TEST_PREFIX "${PLEMORA_TEST_PREFIX}" DISCOVERY_TIMEOUT 60
+    PROPERTIES ${properties})
+endfunction()
