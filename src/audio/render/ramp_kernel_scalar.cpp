@@ -1,0 +1,40 @@
+#include <cmath>
+
+#include "audio/render/kernel_variants.h"
+
+// The reference that every other variant is measured against: the routine as it is written down,
+// one sample after the other.
+
+namespace plemora {
+
+void rampStridedScalar(const float* in, std::size_t inStride, float* out, std::size_t outStride,
+                       std::size_t frames, float gain, float step, RampPeaks& peaks) {
+  for (std::size_t i = 0; i < frames; ++i) {
+    const float x = in[i * inStride];
+    const float y = gain * x;
+    out[i * outStride] = y;
+    // Comparisons with NaN are false, so a NaN leaves the peak as it is.
+    peaks.input = std::fabs(x) > peaks.input ? std::fabs(x) : peaks.input;
+    peaks.output = std::fabs(y) > peaks.output ? std::fabs(y) : peaks.output;
+    gain += step;
+  }
+}
+
+namespace {
+
+void contiguous(const float* in, float* out, std::size_t frames, float gain, float step,
+                RampPeaks& peaks) {
+  rampStridedScalar(in, 1, out, 1, frames, gain, step, peaks);
+}
+
+void stereo(const float* in, float* out, std::size_t frames, float gain, float step,
+            RampPeaks& peaks) {
+  rampStridedScalar(in, 2, out, 2, frames, gain, step, peaks);
+  rampStridedScalar(in + 1, 2, out + 1, 2, frames, gain, step, peaks);
+}
+
+}  // namespace
+
+constinit const RampKernel rampKernelScalar{"scalar", contiguous, stereo, rampStridedScalar};
+
+}  // namespace plemora
