@@ -1,0 +1,1 @@
+#include "adapters/stage/hal_faults.h"

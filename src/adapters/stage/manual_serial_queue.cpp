@@ -1,0 +1,1 @@
+#include "adapters/stage/manual_serial_queue.h"

@@ -1,0 +1,1 @@
+#include "adapters/stage/memory_defaults.h"

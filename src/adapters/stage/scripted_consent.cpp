@@ -1,0 +1,1 @@
+#include "adapters/stage/scripted_consent.h"

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "platform/workspace.h"
+
+namespace plemora {
+
+/// Applications as a script has them. Main thread.
+class ScriptedWorkspace : public Workspace {
+ public:
+  /// Adds a running application, behind those already there; one with the same PID is replaced.
+  void launch(RunningApplication application);
+  void quit(std::int32_t pid);
+  void setResponsiblePid(std::int32_t pid, std::int32_t responsible);
+  void install(const std::string& bundleID, InstalledApplication application);
+
+  std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
+  std::vector<RunningApplication> runningApplications() override;
+  std::optional<std::int32_t> responsiblePid(std::int32_t pid) override;
+  std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
+  Image genericApplicationIcon() override { return {"application-x-executable"}; }
+
+ private:
+  std::vector<RunningApplication> running_;
+  std::map<std::int32_t, std::int32_t> responsible_;
+  std::map<std::string, InstalledApplication> installed_;
+};
+
+}  // namespace plemora

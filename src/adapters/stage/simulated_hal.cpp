@@ -1,0 +1,1 @@
+#include "adapters/stage/simulated_hal.h"

@@ -1,0 +1,1 @@
+#include "adapters/stage/virtual_clock.h"

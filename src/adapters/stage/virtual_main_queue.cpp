@@ -1,0 +1,1 @@
+#include "adapters/stage/virtual_main_queue.h"
