@@ -1,0 +1,151 @@
+#include "audio/render/mix_kernel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <vector>
+
+#include "kernel/sample_sets.h"
+
+namespace plemora {
+namespace {
+
+constexpr std::size_t margin = 8;
+
+/// One of the operations, called on dst, a and b of n samples with weights w0 and w1.
+struct Operation {
+  const char* name;
+  bool ramped;
+  std::function<void(const MixKernel&, float* dst, const float* a, const float* b, std::size_t n,
+                     float w0, float w1)>
+      call;
+};
+
+const std::vector<Operation>& operations() {
+  static const std::vector<Operation> all{
+      {"mixAdd", false,
+       [](const MixKernel& kernel, float* dst, const float* a, const float*, std::size_t n, float,
+          float) { kernel.mixAdd(dst, a, n); }},
+      {"mixSubtract", false,
+       [](const MixKernel& kernel, float* dst, const float* a, const float*, std::size_t n, float,
+          float) { kernel.mixSubtract(dst, a, n); }},
+      {"subtractInto", false,
+       [](const MixKernel& kernel, float* dst, const float* a, const float* b, std::size_t n, float,
+          float) { kernel.subtractInto(dst, a, b, n); }},
+      {"subtractInto in place", false,
+       [](const MixKernel& kernel, float* dst, const float* a, const float*, std::size_t n, float,
+          float) { kernel.subtractInto(dst, a, dst, n); }},
+      {"addRamped", true,
+       [](const MixKernel& kernel, float* dst, const float* a, const float*, std::size_t n,
+          float w0, float w1) { kernel.addRamped(dst, a, n, w0, w1); }},
+      {"addRamped in place", true,
+       [](const MixKernel& kernel, float* dst, const float*, const float*, std::size_t n, float w0,
+          float w1) { kernel.addRamped(dst, dst, n, w0, w1); }},
+      {"scaleRamped", true,
+       [](const MixKernel& kernel, float* dst, const float* a, const float*, std::size_t n,
+          float w0, float w1) { kernel.scaleRamped(dst, a, n, w0, w1); }},
+      {"scaleRamped in place", true,
+       [](const MixKernel& kernel, float* dst, const float*, const float*, std::size_t n, float w0,
+          float w1) { kernel.scaleRamped(dst, dst, n, w0, w1); }},
+  };
+  return all;
+}
+
+/// dst, with its margins, after one call over buffers at those offsets.
+std::vector<float> run(const MixKernel& kernel, const Operation& operation, SampleSet set,
+                       std::size_t n, std::size_t offset, float w0, float w1) {
+  std::vector<float> dst = makeSamples(set, n + 2 * margin, 1);
+  const std::vector<float> a = makeSamples(set, n + margin, 2);
+  const std::vector<float> b = makeSamples(set, n + margin, 3);
+  operation.call(kernel, dst.data() + offset % 4, a.data() + offset / 4 % 4, b.data() + offset / 16,
+                 n, w0, w1);
+  return dst;
+}
+
+TEST(MixKernelTest, EqualsTheScalarLoopBitForBitAtConstantWeight) {
+  const MixKernel& scalar = *availableMixKernels().front();
+  for (const MixKernel* kernel : availableMixKernels()) {
+    for (const Operation& operation : operations()) {
+      for (const SampleSet set : {SampleSet::noise, SampleSet::denormals, SampleSet::specials}) {
+        for (const std::size_t n : sweptLengths()) {
+          for (std::size_t offset = 0; offset < 64; offset += 7) {
+            for (const float weight : {0.0f, 1.0f, 0.7f}) {
+              SCOPED_TRACE(std::string(kernel->name) + " " + operation.name + " " + nameOf(set) +
+                           " n " + std::to_string(n) + " offset " + std::to_string(offset));
+              ASSERT_TRUE(sameBits(run(scalar, operation, set, n, offset, weight, weight),
+                                   run(*kernel, operation, set, n, offset, weight, weight)));
+            }
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(MixKernelTest, StaysWithinTheErrorBoundOnRamps) {
+  const MixKernel& scalar = *availableMixKernels().front();
+  const float ramps[][2] = {{0.0f, 1.0f}, {1.0f, 0.0f}, {0.5f, 2.0f}};
+  for (const MixKernel* kernel : availableMixKernels()) {
+    for (const Operation& operation : operations()) {
+      for (const auto& [w0, w1] : ramps) {
+        for (const std::size_t n : sweptLengths()) {
+          SCOPED_TRACE(std::string(kernel->name) + " " + operation.name + " n " +
+                       std::to_string(n));
+          const auto expected = run(scalar, operation, SampleSet::noise, n, 5, w0, w1);
+          const auto actual = run(*kernel, operation, SampleSet::noise, n, 5, w0, w1);
+          // Samples are within 1; the sums within 3, so that rounding one costs 2^-23 at most.
+          const float bound = static_cast<float>(n) * 0x1p-23f * std::max(w0, w1) +
+                              (operation.ramped ? 0x1p-23f : 0.0f);
+          for (std::size_t i = 0; i < expected.size(); ++i) {
+            ASSERT_NEAR(expected[i], actual[i], bound) << "sample " << i;
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(MixKernelTest, DoesWhatItsNameSays) {
+  for (const MixKernel* kernel : availableMixKernels()) {
+    SCOPED_TRACE(kernel->name);
+    const std::vector<float> a{1.0f, 2.0f, -3.0f, 4.0f};
+    const std::vector<float> b{0.5f, 2.0f, 3.0f, -4.0f};
+    std::vector<float> dst{10.0f, 10.0f, 10.0f, 10.0f};
+    kernel->mixAdd(dst.data(), a.data(), 4);
+    EXPECT_EQ(dst, (std::vector<float>{11.0f, 12.0f, 7.0f, 14.0f}));
+    kernel->mixSubtract(dst.data(), b.data(), 4);
+    EXPECT_EQ(dst, (std::vector<float>{10.5f, 10.0f, 4.0f, 18.0f}));
+    kernel->subtractInto(dst.data(), a.data(), b.data(), 4);
+    EXPECT_EQ(dst, (std::vector<float>{0.5f, 0.0f, -6.0f, 8.0f}));
+    kernel->addRamped(dst.data(), a.data(), 4, 0.0f, 1.0f);  // weights 0, 1/4, 1/2, 3/4
+    EXPECT_EQ(dst, (std::vector<float>{0.5f, 0.5f, -7.5f, 11.0f}));
+    kernel->scaleRamped(dst.data(), a.data(), 4, 1.0f, 0.0f);
+    EXPECT_EQ(dst, (std::vector<float>{1.0f, 1.5f, -1.5f, 1.0f}));
+  }
+}
+
+/// A correction beside the direct path: x + (x - x) and x + (y - x) have to come out right.
+TEST(MixKernelTest, ACorrectionOfEqualBuffersIsExactlyZero) {
+  const auto x = makeSamples(SampleSet::noise, 1024, 9);
+  std::vector<float> correction(x.size(), 1.0f);
+  subtractInto(correction.data(), x.data(), x.data(), x.size());
+  EXPECT_EQ(correction, std::vector<float>(x.size(), 0.0f));
+
+  std::vector<float> minus(x.size());
+  scaleRamped(minus.data(), x.data(), x.size(), -1.0f, -1.0f);
+  mixAdd(minus.data(), x.data(), x.size());
+  EXPECT_EQ(minus, std::vector<float>(x.size(), 0.0f));
+
+  correction = x;
+  clear(correction.data() + 1, correction.size() - 2);
+  EXPECT_EQ(correction.front(), x.front());
+  EXPECT_EQ(correction.back(), x.back());
+  EXPECT_TRUE(std::all_of(correction.begin() + 1, correction.end() - 1,
+                          [](float sample) { return sample == 0.0f; }));
+}
+
+}  // namespace
+}  // namespace plemora
