@@ -34,7 +34,7 @@ class AppLevels {
   void save(const Levels& levels);
 
  private:
-  std::optional<std::string> stored();
+  std::optional<std::string> stored(const std::string& under);
   void keepUnreadable(const std::string& bytes);
 
   UserDefaults& defaults_;

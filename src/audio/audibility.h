@@ -38,8 +38,8 @@ struct AudibilityFacts {
   bool isPlaying = false;
   Level level;
   Tap tap = Tap::notNeeded;
-  std::string deviceName;        ///< that the app is heard on; empty: there is no output device
-  std::string sourceDeviceName;  ///< that the app itself plays to
+  std::string deviceName;              ///< where the app is heard; empty: there is no output device
+  bool isRouted = false;               ///< that is not where the app itself plays
   bool chosenOutputIsMissing = false;  ///< the level names a device that is not there
   bool deviceIsMuted = false;
   std::optional<float> deviceVolume;  ///< 0...1; none when it cannot be set

@@ -51,8 +51,9 @@ class DemoMode {
   /// Name and icon of an installed app; of any other its bundle identifier and the generic icon.
   AppInfo appInfo(const std::string& bundle) const;
 
-  /// One row for each configured app, in order; the devices are those that can be chosen.
-  std::vector<AppChannel> channels(const std::vector<OutputDevice>& devices) const;
+  /// One row for each configured app, in order; nothing is known of the devices yet. Empty when
+  /// demo mode is off.
+  std::vector<AppChannel> channels() const;
 
  private:
   Workspace& workspace_;

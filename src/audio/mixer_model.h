@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -48,6 +49,10 @@ class MixerModel {
   /// anyway, makes it follow the default.
   void setOutput(const std::optional<std::string>& uid, const std::string& id);
 
+  /// Brings the rows up to date. The model does so by itself but after setVolume: a caller that
+  /// shows no slider of its own follows it with this.
+  void publish();
+
   /// Asks the consent service again and publishes the answer if it has changed.
   void refreshPermission();
 
@@ -68,23 +73,24 @@ class MixerModel {
     bool isRouted() const { return sourceUID != targetUID; }
   };
 
-  void start();
+  void observeOutputs();
   void update(const std::vector<AudioApp>& apps);
   void syncTap(const std::string& id);
   void rebuildAllTaps();
-  void outputListChanged();
-  void publish();
   void save();
+  bool isListed(const AudioApp& app, WallTime now) const;
   AppChannel channel(const AudioApp& app) const;
-  AppChannel* demoChannel(const std::string& id);
+  void changeDemo(const std::string& id, const std::function<void(AppChannel&)>& change);
   void publishDemo();
 
-  float gain(const std::string& id) const;
+  Level level(const std::string& id) const;
   AudioObjectID sourceDevice(const AudioApp& app, std::string& uid) const;
+  const OutputDevice* outputWithUID(const std::string& uid) const;  // valid until the next reload
   const OutputDevice* routedDevice(const std::string& id) const;
   Route route(const AudioApp& app) const;
   bool needsTap(const std::string& id, const Route& route) const;
-  AudibilityFacts audibilityFacts(const AppChannel& row) const;
+  AudibilityFacts::Tap tapState(const std::string& id, const Route& route) const;
+  void describeDevice(AudioObjectID device, AudibilityFacts& facts) const;
 
   const MixerServices services_;
   DemoMode demo_;

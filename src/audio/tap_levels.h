@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,7 +22,7 @@ struct TapLevel {
 /// Main thread only.
 class TapLevels {
  public:
-  /// Reads and resets the peaks of every running tap.
+  /// Reads and resets the peaks of every running tap; in order of id.
   using Source = std::function<std::vector<TapLevel>()>;
   using Watcher = std::function<void(const std::vector<TapLevel>&)>;
 
@@ -45,7 +44,8 @@ class TapLevels {
  private:
   struct Shared;
 
-  std::shared_ptr<Shared> shared_;
+  MainQueue& mainQueue_;
+  std::shared_ptr<Shared> shared_;  ///< timers of watchers that are left over hold it weakly
   std::shared_ptr<Watch> log_;
 };
 

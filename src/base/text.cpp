@@ -1,5 +1,7 @@
 #include "base/text.h"
 
+#include <array>
+#include <charconv>
 #include <cstddef>
 #include <cwchar>
 #include <cwctype>
@@ -66,6 +68,14 @@ bool localizedCaseInsensitiveLess(std::string_view a, std::string_view b) {
     return wideA.has_value();
   }
   return foldedBytes(a) < foldedBytes(b);
+}
+
+std::string fixedPoint(double value) {
+  std::array<char, 400> digits;  // the largest double has 309 before the point
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value,
+                                 std::chars_format::fixed, 6)
+                       .ptr;
+  return {digits.data(), end};
 }
 
 }  // namespace plemora
