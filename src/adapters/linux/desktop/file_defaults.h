@@ -8,20 +8,26 @@
 #include <vector>
 
 #include "adapters/linux/desktop/file_operations.h"
-#include "adapters/linux/desktop/settings_file.h"
+#include "platform/serial_queue.h"
 #include "platform/user_defaults.h"
 
 namespace plemora {
 
-/// User defaults in one JSON file, replaced whole at each change and synced before the old one is
-/// given up. A file that cannot be read is set aside under another name, never overwritten. A
+/// User defaults in one JSON file, replaced whole after each change and synced before the old one
+/// is given up. A file that cannot be read is set aside under another name, never overwritten. A
 /// write that fails keeps the values in memory, warns once, and is made up for by the next one.
-/// Main thread. That no second process writes the same file is the caller's care.
+/// What others change in the file meanwhile is kept. Main thread. That no second process of this
+/// program writes the same file is the caller's care.
 class FileDefaults : public UserDefaults {
  public:
   /// arguments: the program's, without its name; "-key value" pairs lie on top of the file.
+  /// queue: where the file is written, so that a slow disk never holds up the caller; changes made
+  /// during a write are stored together. Without one, each change is on the disk when its call
+  /// returns. The destructor waits for the queue if nobody else holds it.
   FileDefaults(std::filesystem::path file, const std::vector<std::string>& arguments,
+               std::shared_ptr<SerialQueue> queue = nullptr,
                std::shared_ptr<FileOperations> operations = makeFileOperations());
+  ~FileDefaults() override;
 
   /// plemora/settings.json below XDG_CONFIG_HOME, or below ~/.config when that is unset or no
   /// absolute path.
@@ -29,6 +35,7 @@ class FileDefaults : public UserDefaults {
 
   std::optional<bool> boolean(const std::string& key) override;
   std::optional<std::string> string(const std::string& key) override;
+  /// Text that was stored reads as its bytes.
   std::optional<std::string> data(const std::string& key) override;
 
   void setBoolean(const std::string& key, bool value) override;
@@ -37,22 +44,14 @@ class FileDefaults : public UserDefaults {
   void remove(const std::string& key) override;
 
  private:
-  void load();
-  bool setAside(const std::filesystem::path& file, const std::string& reason);
-  void write(bool changed);
-  std::string replaceFile();
+  struct State;
 
-  std::filesystem::path file_;
-  std::shared_ptr<FileOperations> operations_;
+  void noteChange(const std::string& key, bool changed);
+  static void saveAll(State& state);
+
   std::map<std::string, std::string> arguments_;
-  SettingsFile settings_;
-  bool mustWrite_ = false;     ///< memory is ahead of the file
-  bool mustMoveAway_ = false;  ///< an unreadable file still has the name
-  bool warned_ = false;        ///< of the present run of failures
+  std::shared_ptr<State> state_;  ///< shared with the work on the queue
+  std::shared_ptr<SerialQueue> queue_;
 };
-
-/// The "-key value" pairs among a program's arguments. A key starts with exactly one dash; a word
-/// that starts with a dash is a value only when a digit or a point follows. The last pair wins.
-std::map<std::string, std::string> launchArguments(const std::vector<std::string>& arguments);
 
 }  // namespace plemora

@@ -16,7 +16,7 @@ class FileOperations {
 
   /// ENOENT when there is none.
   virtual int read(const std::filesystem::path& file, std::string& content) = 0;
-  /// Creates the file, or cuts it to nothing; only its owner may read and write it.
+  /// Creates the file anew; only its owner may read and write it.
   virtual int write(const std::filesystem::path& file, std::string_view content) = 0;
   /// Returns once the file's content, or the folder's list of names, is on the disk.
   virtual int sync(const std::filesystem::path& fileOrFolder) = 0;

@@ -30,13 +30,16 @@ class SettingsFile {
   bool setBytes(const std::string& key, std::string_view value);
   bool remove(const std::string& key);
 
+  /// Takes over what another one holds for that key, or that it holds nothing.
+  void copyMember(const std::string& key, const SettingsFile& from);
+
  private:
   bool store(const std::string& key, nlohmann::ordered_json value);
 
   nlohmann::ordered_json members_;
 };
 
-/// What every platform takes for a Bool: YES, NO, true, false, 1, 0, in any case; none otherwise.
+/// What every platform takes for a Bool, in any case: yes, y, true, t, 1; no, n, false, f, 0.
 std::optional<bool> booleanFromText(std::string_view text);
 
 }  // namespace plemora

@@ -1,0 +1,51 @@
+#include "adapters/linux/desktop/linux_system_info.h"
+
+#include <fstream>
+#include <iterator>
+#include <system_error>
+#include <utility>
+
+namespace plemora {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The file's text up to its first newline or zero byte; empty when it cannot be read.
+std::string firstLine(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(stream), {}};
+  text.resize(std::min(text.size(), text.find_first_of(std::string_view("\n\0", 2))));
+  while (!text.empty() && text.back() == ' ') {
+    text.pop_back();
+  }
+  return text;
+}
+
+}  // namespace
+
+LinuxSystemInfo::LinuxSystemInfo(fs::path root) : root_(std::move(root)) {}
+
+std::optional<std::string> LinuxSystemInfo::hardwareModel() {
+  for (const char* file : {"sys/class/dmi/id/product_name", "sys/firmware/devicetree/base/model"}) {
+    if (std::string name = firstLine(root_ / file); !name.empty()) {
+      return name;
+    }
+  }
+  return std::nullopt;
+}
+
+bool LinuxSystemInfo::hasInternalBattery() {
+  std::error_code error;
+  for (fs::directory_iterator supply(root_ / "sys/class/power_supply", error), end;
+       !error && supply != end; supply.increment(error)) {
+    const fs::path& folder = supply->path();
+    if (firstLine(folder / "type") == "Battery" && firstLine(folder / "scope") != "Device" &&
+        firstLine(folder / "present") != "0") {
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace plemora

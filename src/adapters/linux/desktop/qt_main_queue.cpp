@@ -1,0 +1,58 @@
+#include "adapters/linux/desktop/qt_main_queue.h"
+
+#include <QObject>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace plemora {
+
+/// Lives on the main thread; its end takes all work that is queued on it along.
+class QtMainQueue::Receiver : public QObject {};
+
+namespace {
+
+constexpr double coarseFrom = 1.0;  // seconds
+
+class QtScheduledWork : public ScheduledWork {
+ public:
+  QtScheduledWork(QObject& receiver, double seconds, bool repeats, std::function<void()> work) {
+    // Rounded up: never early.
+    const double milliseconds = std::ceil(std::max(0.0, seconds) * 1000 - 1e-6);
+    timer_.setInterval(static_cast<int>(
+        std::min(milliseconds, static_cast<double>(std::numeric_limits<int>::max()))));
+    timer_.setTimerType(seconds < coarseFrom ? Qt::PreciseTimer : Qt::CoarseTimer);
+    timer_.setSingleShot(!repeats);
+    // A copy: the work may drop this very object, and the original with it.
+    const auto shared = std::make_shared<std::function<void()>>(std::move(work));
+    QObject::connect(&timer_, &QTimer::timeout, &receiver, [shared] {
+      const auto kept = shared;
+      (*kept)();
+    });
+    timer_.start();
+  }
+
+ private:
+  QTimer timer_;
+};
+
+}  // namespace
+
+QtMainQueue::QtMainQueue() : receiver_(std::make_unique<Receiver>()) {}
+QtMainQueue::~QtMainQueue() = default;
+
+void QtMainQueue::async(std::function<void()> work) {
+  QMetaObject::invokeMethod(receiver_.get(), std::move(work), Qt::QueuedConnection);
+}
+
+Timer QtMainQueue::after(double seconds, std::function<void()> work) {
+  return std::make_unique<QtScheduledWork>(*receiver_, seconds, false, std::move(work));
+}
+
+Timer QtMainQueue::every(double seconds, std::function<void()> work) {
+  return std::make_unique<QtScheduledWork>(*receiver_, seconds, true, std::move(work));
+}
+
+}  // namespace plemora

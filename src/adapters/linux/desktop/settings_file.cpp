@@ -1,0 +1,176 @@
+#include "adapters/linux/desktop/settings_file.h"
+
+#include <array>
+#include <cstdint>
+#include <stdexcept>
+#include <utility>
+
+#include "base/text.h"
+
+namespace plemora {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* encodedMember = "base64";
+constexpr int deepestNesting = 100;  // writing goes down recursively
+
+constexpr std::string_view digits =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+std::string encodeBase64(std::string_view bytes) {
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    std::uint32_t group = 0;
+    for (std::size_t k = 0; k < 3; ++k) {
+      group = group << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k]) : 0U);
+    }
+    for (std::size_t k = 0; k < 4; ++k) {
+      text += i + k <= bytes.size() ? digits[group >> (18 - 6 * k) & 63] : '=';
+    }
+  }
+  return text;
+}
+
+std::optional<std::string> decodeBase64(std::string_view text) {
+  if (text.size() % 4 != 0) {
+    return std::nullopt;
+  }
+  const std::size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
+  text.remove_suffix(padding);
+  std::string bytes;
+  std::uint32_t held = 0;
+  int bits = 0;
+  for (const char character : text) {
+    const std::size_t digit = digits.find(character);
+    if (digit == std::string_view::npos) {
+      return std::nullopt;
+    }
+    held = held << 6 | static_cast<std::uint32_t>(digit);
+    bits += 6;
+    if (bits >= 8) {
+      bits -= 8;
+      bytes += static_cast<char>(held >> bits & 0xff);
+    }
+  }
+  return bytes;
+}
+
+bool isUtf8(std::string_view text) {
+  // nlohmann's strict writer refuses exactly what is no UTF-8.
+  try {
+    static_cast<void>(Json(std::string(text)).dump());
+    return true;
+  } catch (const Json::type_error&) {
+    return false;
+  }
+}
+
+Json encode(std::string_view bytes) {
+  if (isUtf8(bytes)) {
+    return std::string(bytes);
+  }
+  return Json{{encodedMember, encodeBase64(bytes)}};
+}
+
+std::optional<std::string> decode(const Json& value) {
+  if (value.is_string()) {
+    return value.get<std::string>();
+  }
+  if (value.is_object() && value.size() == 1) {
+    const auto encoded = value.find(encodedMember);
+    if (encoded != value.end() && encoded->is_string()) {
+      return decodeBase64(encoded->get_ref<const std::string&>());
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+SettingsFile::SettingsFile() : members_(Json::object()) {}
+
+std::optional<SettingsFile> SettingsFile::parse(std::string_view text, std::string& error) {
+  SettingsFile file;
+  try {
+    file.members_ = Json::parse(text, [](int depth, Json::parse_event_t, Json&) {
+      if (depth > deepestNesting) {
+        throw std::length_error("nested deeper than " + std::to_string(deepestNesting) + " levels");
+      }
+      return true;
+    });
+  } catch (const std::exception& failure) {
+    error = failure.what();
+    return std::nullopt;
+  }
+  if (!file.members_.is_object()) {
+    error = "the file holds no JSON object but a value of type " +
+            std::string(file.members_.type_name());
+    return std::nullopt;
+  }
+  return file;
+}
+
+std::string SettingsFile::serialise() const {
+  return members_.dump(2) + "\n";
+}
+
+std::optional<bool> SettingsFile::boolean(const std::string& key) const {
+  const auto member = members_.find(key);
+  if (member == members_.end()) {
+    return std::nullopt;
+  }
+  if (member->is_string()) {
+    return booleanFromText(member->get_ref<const std::string&>());
+  }
+  return member->is_boolean() ? std::optional(member->get<bool>()) : std::nullopt;
+}
+
+std::optional<std::string> SettingsFile::bytes(const std::string& key) const {
+  const auto member = members_.find(key);
+  return member == members_.end() ? std::nullopt : decode(*member);
+}
+
+bool SettingsFile::setBoolean(const std::string& key, bool value) {
+  return store(key, value);
+}
+
+bool SettingsFile::setBytes(const std::string& key, std::string_view value) {
+  return store(key, encode(value));
+}
+
+bool SettingsFile::remove(const std::string& key) {
+  return members_.erase(key) > 0;
+}
+
+void SettingsFile::copyMember(const std::string& key, const SettingsFile& from) {
+  const auto member = from.members_.find(key);
+  if (member == from.members_.end()) {
+    members_.erase(key);
+  } else {
+    members_[key] = *member;
+  }
+}
+
+bool SettingsFile::store(const std::string& key, Json value) {
+  const auto member = members_.find(key);
+  if (member != members_.end() && *member == value) {
+    return false;
+  }
+  members_[key] = std::move(value);
+  return true;
+}
+
+std::optional<bool> booleanFromText(std::string_view text) {
+  const std::string word = lowercased(text);
+  if (word == "yes" || word == "y" || word == "true" || word == "t" || word == "1") {
+    return true;
+  }
+  if (word == "no" || word == "n" || word == "false" || word == "f" || word == "0") {
+    return false;
+  }
+  return std::nullopt;
+}
+
+}  // namespace plemora
