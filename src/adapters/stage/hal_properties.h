@@ -19,17 +19,18 @@ using HalValue = std::variant<std::vector<std::byte>, std::optional<std::string>
 struct HalProperty {
   enum class Owner { system, process, device, tap };
 
-  Owner owner;
-  AudioObjectPropertySelector selector;
-  AudioObjectPropertyScope scope;
+  Owner owner{};
+  AudioObjectPropertySelector selector = 0;
+  AudioObjectPropertyScope scope = 0;
   /// None: this object has no such property. The bytes given are those of the caller's buffer.
   std::optional<HalValue> (*read)(const HalState& state, AudioObjectID object,
-                                  AudioObjectPropertyScope scope, std::span<const std::byte> given);
+                                  AudioObjectPropertyScope scope,
+                                  std::span<const std::byte> given) = nullptr;
   /// Null: it cannot be written.
   OSStatus (*write)(HalState& state, AudioObjectID object, AudioObjectPropertyScope scope,
-                    std::span<const std::byte> value);
+                    std::span<const std::byte> value) = nullptr;
   /// Null: whatever can be written is settable.
-  bool (*isSettable)(const HalState& state, AudioObjectID object);
+  bool (*isSettable)(const HalState& state, AudioObjectID object) = nullptr;
 };
 
 /// The row for an address of an object; null when there is none.

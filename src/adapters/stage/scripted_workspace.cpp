@@ -1,1 +1,45 @@
 #include "adapters/stage/scripted_workspace.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace plemora {
+
+void ScriptedWorkspace::launch(RunningApplication application) {
+  quit(application.pid);
+  running_.push_back(std::move(application));
+}
+
+void ScriptedWorkspace::quit(std::int32_t pid) {
+  std::erase_if(running_, [pid](const auto& application) { return application.pid == pid; });
+}
+
+void ScriptedWorkspace::setResponsiblePid(std::int32_t pid, std::int32_t responsible) {
+  responsible_[pid] = responsible;
+}
+
+void ScriptedWorkspace::install(const std::string& bundleID, InstalledApplication application) {
+  installed_[bundleID] = std::move(application);
+}
+
+std::optional<RunningApplication> ScriptedWorkspace::runningApplication(std::int32_t pid) {
+  const auto found = std::ranges::find(running_, pid, &RunningApplication::pid);
+  return found == running_.end() ? std::nullopt : std::optional(*found);
+}
+
+std::vector<RunningApplication> ScriptedWorkspace::runningApplications() {
+  return running_;
+}
+
+std::optional<std::int32_t> ScriptedWorkspace::responsiblePid(std::int32_t pid) {
+  const auto found = responsible_.find(pid);
+  return found == responsible_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<InstalledApplication> ScriptedWorkspace::installedApplication(
+    const std::string& bundleID) {
+  const auto found = installed_.find(bundleID);
+  return found == installed_.end() ? std::nullopt : std::optional(found->second);
+}
+
+}  // namespace plemora

@@ -8,6 +8,7 @@
 
 #include "adapters/stage/hal_faults.h"
 #include "adapters/stage/hal_listeners.h"
+#include "adapters/stage/hal_properties.h"
 #include "adapters/stage/simulated_object.h"
 #include "platform/audio_graph.h"
 #include "platform/audio_properties.h"
@@ -89,6 +90,8 @@ class SimulatedHal : public AudioProperties, public AudioGraph {
   OSStatus stop(AudioObjectID device, AudioDeviceIOProcID proc) override;
 
  private:
+  OSStatus read(AudioObjectID object, const AudioObjectPropertyAddress& address,
+                std::span<const std::byte> given, HalValue& value) const;
   /// Applies a change under the lock and notifies of every value of these objects, and of the
   /// system object, that it changed.
   OSStatus change(std::vector<AudioObjectID> objects,

@@ -77,7 +77,8 @@ struct HalDevice {
 struct HalTap {
   TapDescription description;
   AudioStreamBasicDescription format;
-  Sound captured;  ///< the last step
+  std::vector<std::uint32_t> buffers;  ///< channels of each buffer of an IO cycle
+  Sound captured;                      ///< the last step
 };
 
 /// Everything that a simulated HAL knows. Guarded by its mutex.
