@@ -1,0 +1,165 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
+
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "audio/render/mix_kernel.h"
+#include "audio/render/render.h"
+#include "kernel/buffers.h"
+#include "support/realtime_guard.h"
+
+namespace plemora {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+using ::testing::StartsWith;
+
+class RealtimeGuardTest : public ::testing::Test {
+ protected:
+  RealtimeGuardTest() { RealtimeGuard::reset(); }
+};
+
+/// Keeps the compiler from leaving out an allocation that is not used.
+void* volatile sink;
+
+/// The compiler must not know that there is nothing to print.
+const char* volatile nothing = "";
+
+struct ForbiddenCall {
+  const char* function;  ///< as it is recorded
+  bool locksOrWrites;
+  std::function<void()> call;
+};
+
+const std::vector<ForbiddenCall>& forbiddenCalls() {
+  static std::mutex mutex;
+  static std::shared_mutex sharedMutex;
+  static void* const memory = std::malloc(8);
+  static std::vector<ForbiddenCall> calls{
+      {"malloc", false, [] { sink = std::malloc(8); }},
+      {"malloc", false, [] { sink = ::operator new(8); }},
+      {"free", false, [] { std::free(memory); }},
+      {"pthread_mutex_lock", true, [] { std::lock_guard lock(mutex); }},
+      {"pthread_rwlock_rdlock", true, [] { std::shared_lock lock(sharedMutex); }},
+      {"pthread_rwlock_wrlock", true, [] { std::unique_lock lock(sharedMutex); }},
+      {"write", true, [] { EXPECT_EQ(::write(-1, "", 0), -1); }},
+      {"fputs", true, [] { std::fputs(nothing, stdout); }},
+  };
+  return calls;
+}
+
+TEST_F(RealtimeGuardTest, CatchesWhatARealTimeThreadMustNotDo) {
+  for (const ForbiddenCall& forbidden : forbiddenCalls()) {
+    if (forbidden.locksOrWrites && !RealtimeGuard::watchesLocks()) {
+      continue;
+    }
+    SCOPED_TRACE(forbidden.function);
+    RealtimeGuard::reset();
+    {
+      const RealtimeGuard::Scope scope;
+      forbidden.call();
+    }
+    EXPECT_THAT(RealtimeGuard::violations(), ElementsAre(StartsWith(forbidden.function)));
+  }
+}
+
+TEST_F(RealtimeGuardTest, LeavesOtherThreadsAndTimesAlone) {
+  std::thread other;
+  {
+    const RealtimeGuard::Scope outer;
+    { const RealtimeGuard::Scope inner; }
+  }
+  sink = std::malloc(8);
+  std::free(sink);
+  EXPECT_THAT(RealtimeGuard::violations(), IsEmpty());
+
+  // This thread is marked while the other one, which is not, allocates.
+  std::atomic<int> turn = 0;
+  other = std::thread([&turn] {
+    while (turn != 1) {
+    }
+    std::free(std::malloc(8));
+    turn = 2;
+  });
+  {
+    const RealtimeGuard::Scope scope;
+    turn = 1;
+    while (turn != 2) {
+    }
+  }
+  other.join();
+  EXPECT_THAT(RealtimeGuard::violations(), IsEmpty());
+}
+
+TEST_F(RealtimeGuardTest, CountsWhatItHasNoRoomFor) {
+  {
+    const RealtimeGuard::Scope scope;
+    for (std::size_t i = 0; i < RealtimeGuard::capacity + 10; ++i) {
+      sink = std::malloc(1);
+      std::free(sink);
+    }
+  }
+  const auto violations = RealtimeGuard::violations();
+  ASSERT_THAT(violations, SizeIs(RealtimeGuard::capacity));
+  EXPECT_EQ(violations.back(), "and 85 more");
+}
+
+TEST_F(RealtimeGuardTest, RenderingIsClean) {
+  struct Case {
+    std::vector<Buffers::Shape> input;
+    std::vector<Buffers::Shape> output;
+  };
+  const Case cases[] = {
+      {{{1, 256}, {1, 256}}, {{1, 256}, {1, 256}}},
+      {{{2, 256}}, {{2, 256}}},
+      {{{2, 100}}, {{6, 128}}},
+      {{{3, 64}}, {{3, 64}}},
+      {{{1, 64, false}}, {{2, 64}}},
+      {{}, {{2, 64}}},
+      {{{0, 64}, {2, 31}}, {{1, 64}, {5, 64}}},
+  };
+  for (const Case& given : cases) {
+    const Buffers input(given.input, 0.5f);
+    const Buffers output(given.output);
+    RenderState state(1.0f);
+    {
+      const RealtimeGuard::Scope scope;
+      for (const float gain : {1.0f, 0.25f, 0.0f, 0.0f}) {
+        state.targetGain.store(gain, std::memory_order_relaxed);
+        render(input.list(), output.list(), state);
+      }
+    }
+    EXPECT_THAT(RealtimeGuard::violations(), IsEmpty());
+  }
+}
+
+TEST_F(RealtimeGuardTest, MixingIsClean) {
+  std::vector<float> a(1000, 0.5f);
+  std::vector<float> b(1000, 0.25f);
+  {
+    const RealtimeGuard::Scope scope;
+    mixAdd(a.data(), b.data(), a.size());
+    mixSubtract(a.data(), b.data(), a.size());
+    subtractInto(a.data(), a.data(), b.data(), a.size());
+    addRamped(a.data(), b.data(), a.size(), 0.0f, 1.0f);
+    scaleRamped(a.data(), b.data(), a.size(), 1.0f, 0.0f);
+    clear(a.data(), a.size());
+  }
+  EXPECT_THAT(RealtimeGuard::violations(), IsEmpty());
+}
+
+}  // namespace
+}  // namespace plemora
