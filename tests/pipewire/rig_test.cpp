@@ -1,0 +1,113 @@
+// The rig itself, without the program: what the other tests conclude from a recording holds only
+// if these do.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/pipewire/player.h"
+#include "support/pipewire/private_session.h"
+#include "support/pipewire/sink_recorder.h"
+#include "support/wait.h"
+
+namespace plemora::rig {
+namespace {
+
+TEST(Rig, RecordsAnAppSampleBySampleOnItsSinkAndNothingOnTheOther) {
+  PrivateSession session;
+  session.createSinks(256);
+  SinkRecorder first(session, "first");
+  SinkRecorder second(session, "second");
+  TonePlayer tone(session, {.signal = Signal::identity()});
+  ASSERT_TRUE(tone.waitUntilStreaming()) << session.logs();
+  ASSERT_TRUE(first.record(48000));
+  const auto heard = first.take();
+  const auto elsewhere = second.take();
+
+  EXPECT_EQ(heard.gaps, 0);
+  const std::size_t start = firstAbove(heard[0], 0);
+  ASSERT_LT(start, heard.frames - 20000);
+  const auto number = identityFrame(heard[0][start], 0);
+  ASSERT_GE(number, 0) << heard[0][start];
+  for (std::size_t i = start; i < heard.frames; ++i) {
+    for (unsigned channel = 0; channel < 2; ++channel) {
+      ASSERT_EQ(identityFrame(heard[channel][i], channel), number + static_cast<int>(i - start))
+          << "frame " << i << " channel " << channel;
+    }
+  }
+  ASSERT_GT(elsewhere.frames, 20000u);
+  EXPECT_EQ(peak(elsewhere[0]), 0);
+}
+
+TEST(Rig, RecordsEachPlayerAtFullAmplitude) {
+  PrivateSession session;
+  session.createSinks();
+  const std::string file = session.directory() + "/tone.wav";
+  writeToneFile(file, Signal::sine(440, 0.5), 30);
+  for (const auto kind :
+       {PlayerKind::pwPlay, PlayerKind::paplay, PlayerKind::mpvPipeWire, PlayerKind::mpvPulse}) {
+    SCOPED_TRACE(programOf(kind));
+    SinkRecorder recorder(session, "first");
+    Player player(session, kind, file);
+    ASSERT_TRUE(eventually(5, [&] {
+      const auto recent = recorder.next(4800);
+      return peak(recent[0]) > 0.4;
+    })) << session.logs();
+    const auto heard = recorder.next(48000);
+    EXPECT_NEAR(amplitudeAt(heard[0], 440, 48000), 0.5, 0.0005);
+  }
+}
+
+TEST(Rig, PausesAndResumesAndOpensStreams) {
+  PrivateSession session;
+  session.createSinks();
+  TonePlayer tone(session, {.signal = Signal::constant(0.125)});
+  ASSERT_TRUE(tone.waitUntilStreaming());
+  SinkRecorder recorder(session, "first");
+  ASSERT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0.125f; }));
+  const int second = tone.open();
+  ASSERT_TRUE(tone.waitFor(second, "streaming"));
+  EXPECT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0.25f; }));
+  tone.pause(0);
+  ASSERT_TRUE(tone.waitFor(0, "paused"));
+  EXPECT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0.125f; }));
+  tone.close(second);
+  EXPECT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0; }));
+  tone.resume(0);
+  EXPECT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0.125f; }));
+}
+
+TEST(Rig, DaemonsComeBack) {
+  PrivateSession session;
+  session.createSinks();
+  {
+    TonePlayer tone(session, {.signal = Signal::constant(0.125)});
+    ASSERT_TRUE(tone.waitUntilStreaming());
+    session.restartSessionManager();
+  }
+  {
+    TonePlayer tone(session, {.name = "other", .signal = Signal::constant(0.25)});
+    ASSERT_TRUE(session.waitForLink("other", "first")) << session.logs();
+    SinkRecorder recorder(session, "first");
+    EXPECT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0.25f; }));
+  }
+  session.restartSoundServer();
+  session.createSinks();
+  TonePlayer tone(session, {.signal = Signal::constant(0.125)});
+  ASSERT_TRUE(tone.waitUntilStreaming()) << session.logs();
+  SinkRecorder recorder(session, "first");
+  EXPECT_TRUE(eventually(5, [&] { return recorder.next(1024)[0].back() == 0.125f; }));
+}
+
+TEST(Rig, AnIdleSinkSuspends) {
+  PrivateSession session;
+  session.createSinks();
+  {
+    TonePlayer tone(session, {.signal = Signal::constant(0.125)});
+    ASSERT_TRUE(tone.waitUntilStreaming());
+    EXPECT_TRUE(session.waitForState("first", "running"));
+  }
+  EXPECT_TRUE(session.waitForState("first", "suspended", 15));
+}
+
+}  // namespace
+}  // namespace plemora::rig
