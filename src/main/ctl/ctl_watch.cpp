@@ -66,7 +66,7 @@ class LiveWatch {
 
 // Runs the main loop until a signal comes (true) or the mixer ends (false).
 bool runUntilEnd(bool& mixerEnded) {
-  const EndingSignals signals([] { QCoreApplication::quit(); });
+  const EndingSignals ending([] { QCoreApplication::quit(); });
   if (!mixerEnded) {
     QCoreApplication::exec();
   }
