@@ -96,6 +96,14 @@ From now on mpv's volume goes up and down in steps. This is "plemoractl watch"${
 Ctrl-C ends everything.
 
 END
+# The live table takes the whole terminal: leave some time to read. A pipe gets a line per change,
+# so show there once how everything stands.
+if [[ -t 1 ]]; then
+  pause 4
+else
+  "$bin/plemoractl" list
+  echo
+fi
 setpriv --pdeathsig TERM "$bin/plemoractl" watch </dev/null &
 watcher=$!
 
