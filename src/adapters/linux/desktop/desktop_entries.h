@@ -16,13 +16,15 @@ namespace plemora {
 
 /// All installed applications. Several entries of one program (a browser and its web apps, a
 /// hidden entry for links) count as one app, represented by the entry that starts the program
-/// plainly. Pointers hold until the next refresh that returns true. Main thread.
+/// plainly. Pointers hold for one generation. Main thread.
 class DesktopEntries {
  public:
   DesktopEntries(const DesktopPaths& paths, const Programs& programs);
 
-  /// Reads the folders again if something was added to them or removed; true when it did.
-  bool refresh();
+  /// Reads the folders again if something was added to them or removed.
+  void refresh();
+  /// Another number after each reading.
+  std::uint64_t generation() const { return generation_; }
 
   /// The entry with that id, also one that is not displayed; null when there is none.
   const DesktopEntry* byId(const std::string& id) const;
@@ -36,8 +38,8 @@ class DesktopEntries {
   /// The entry that stands for all of the same program; never null for an entry of this index.
   const DesktopEntry* representative(const DesktopEntry* entry) const;
 
-  /// Real path of the executable that the entry starts; empty when unknown.
-  std::string executable(const DesktopEntry* entry) const;
+  /// Real path of the program that the entry starts; empty when unknown.
+  std::string programFile(const DesktopEntry* entry) const;
 
   /// Whether what the app starts are apps of their own: terminals, file managers, desktop shells,
   /// launchers, settings.
@@ -47,22 +49,29 @@ class DesktopEntries {
   struct Item {
     DesktopEntry entry;
     Program program;
+    std::string wrapper;  ///< the text of the program, when that is a shell script
+    const Item* representative = nullptr;
   };
-  using Items = std::vector<const Item*>;
 
   void load();
   void readFolder(const std::filesystem::path& root, const std::filesystem::path& folder,
                   int depth);
-  const Item* best(const Items& items, const std::string& calledAs) const;
+  void readEntry(const std::filesystem::path& root, const std::filesystem::path& file);
+  void index();
+  const Item* item(const DesktopEntry* entry) const;
+  const DesktopEntry* byFolder(const std::string& file) const;
+  const DesktopEntry* byWrapper(const Program& program) const;
 
-  const DesktopPaths& paths_;
+  std::vector<std::filesystem::path> roots_;
   const Programs& programs_;
   std::vector<std::string> locales_;
+  std::uint64_t generation_ = 0;
   std::map<std::filesystem::path, std::filesystem::file_time_type> folders_;
   std::map<std::string, std::unique_ptr<Item>> items_;  ///< by id; null: masked by a hidden entry
-  std::unordered_map<std::string, Items> byFile_;       ///< by the program's real path
-  std::map<std::string, Items> byFolder_;               ///< by the app's own folder
-  std::vector<std::pair<std::string, const Item*>> wrappers_;  ///< text of scripts that are entries
+  // Representatives only:
+  std::unordered_map<std::string, const Item*> byFile_;     ///< by the program's real path
+  std::unordered_map<std::string, const Item*> byFlatpak_;  ///< by the sandboxed app's id
+  std::unordered_map<std::string, const Item*> byFolder_;   ///< null: several apps share it
 };
 
 }  // namespace plemora

@@ -4,14 +4,14 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "adapters/linux/desktop/client_directory.h"
 #include "adapters/linux/desktop/desktop_entries.h"
 #include "adapters/linux/desktop/desktop_paths.h"
-#include "adapters/linux/desktop/process_owner.h"
+#include "adapters/linux/desktop/process_owners.h"
 #include "adapters/linux/desktop/process_table.h"
+#include "adapters/linux/desktop/program.h"
 #include "platform/workspace.h"
 
 namespace plemora {
@@ -25,7 +25,7 @@ namespace plemora {
 /// start time) for as long as they hold. Main thread.
 class LinuxWorkspace : public Workspace {
  public:
-  LinuxWorkspace(DesktopPaths paths, std::shared_ptr<const ClientDirectory> clients);
+  LinuxWorkspace(const DesktopPaths& paths, std::shared_ptr<const ClientDirectory> clients);
 
   std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
 
@@ -37,11 +37,9 @@ class LinuxWorkspace : public Workspace {
   Image genericApplicationIcon() override;
 
  private:
-  const ProcessOwner* ownerOf(std::int32_t pid);
-  RunningApplication describe(std::int32_t pid, const ProcessOwner& owner) const;
-
   std::shared_ptr<const ClientDirectory> clients_;
   ProcessTable processes_;
+  Programs programs_;
   DesktopEntries entries_;
   ProcessOwners owners_;
 };
