@@ -128,6 +128,12 @@ void MixerModel::save() {
 
 void MixerModel::update(const std::vector<AudioApp>& apps) {
   const WallTime now = services_.clock.now();
+  // This is called for changes alone: what played at the last one has played until now.
+  for (const auto& [id, app] : apps_) {
+    if (app.isPlaying) {
+      lastHeard_[id] = now;
+    }
+  }
   apps_.clear();
   for (const AudioApp& app : apps) {
     if (app.isPlaying) {
