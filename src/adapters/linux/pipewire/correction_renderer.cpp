@@ -1,0 +1,250 @@
+#include "adapters/linux/pipewire/correction_renderer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "audio/render/mix_kernel.h"
+
+namespace plemora {
+
+namespace {
+
+constexpr std::uint32_t maxGroups = 8;
+
+// The outputs of one cycle: the first writer of a channel stores, later ones add.
+class Outputs {
+ public:
+  Outputs(const std::vector<std::uint32_t>& groupChannels, std::uint32_t frames,
+          std::uint32_t offset, CorrectionPorts& ports)
+      : frames_(frames) {
+    groups_ = std::min<std::uint32_t>(static_cast<std::uint32_t>(groupChannels.size()), maxGroups);
+    for (std::uint32_t group = 0; group < groups_; ++group) {
+      channels_[group] = std::min(groupChannels[group], maxCorrectionChannels);
+      for (std::uint32_t channel = 0; channel < channels_[group]; ++channel) {
+        float* buffer = ports.output(group, channel);
+        buffers_[group][channel] = buffer == nullptr ? nullptr : buffer + offset;
+        written_[group][channel] = false;
+      }
+    }
+  }
+
+  std::uint32_t channels(std::uint32_t group) const {
+    return group < groups_ ? channels_[group] : 0;
+  }
+
+  void add(std::uint32_t group, std::uint32_t channel, const float* samples) {
+    float* out = at(group, channel);
+    if (out == nullptr) {
+      return;
+    }
+    if (written_[group][channel]) {
+      mixAdd(out, samples, frames_);
+    } else {
+      std::memcpy(out, samples, frames_ * sizeof(float));
+      written_[group][channel] = true;
+    }
+  }
+
+  /// Adds a - b.
+  void addDifference(std::uint32_t group, std::uint32_t channel, const float* a, const float* b) {
+    float* out = at(group, channel);
+    if (out == nullptr) {
+      return;
+    }
+    if (written_[group][channel]) {
+      mixAdd(out, a, frames_);
+      mixSubtract(out, b, frames_);
+    } else {
+      subtractInto(out, a, b, frames_);
+      written_[group][channel] = true;
+    }
+  }
+
+  void subtract(std::uint32_t group, std::uint32_t channel, const float* samples, float from,
+                float to) {
+    float* out = at(group, channel);
+    if (out == nullptr) {
+      return;
+    }
+    if (!written_[group][channel]) {
+      clear(out, frames_);
+      written_[group][channel] = true;
+    }
+    if (from == 1.0f && to == 1.0f) {
+      mixSubtract(out, samples, frames_);
+    } else {
+      addRamped(out, samples, frames_, -from, -to);
+    }
+  }
+
+  void clearUnwritten() {
+    for (std::uint32_t group = 0; group < groups_; ++group) {
+      for (std::uint32_t channel = 0; channel < channels_[group]; ++channel) {
+        if (!written_[group][channel] && buffers_[group][channel] != nullptr) {
+          clear(buffers_[group][channel], frames_);
+        }
+      }
+    }
+  }
+
+ private:
+  float* at(std::uint32_t group, std::uint32_t channel) {
+    return group < groups_ && channel < channels_[group] ? buffers_[group][channel] : nullptr;
+  }
+
+  std::uint32_t frames_;
+  std::uint32_t groups_ = 0;
+  std::array<std::uint32_t, maxGroups> channels_{};
+  std::array<std::array<float*, maxCorrectionChannels>, maxGroups> buffers_;
+  std::array<std::array<bool, maxCorrectionChannels>, maxGroups> written_;
+};
+
+// A slot's part in this cycle.
+struct Share {
+  const CorrectionSlot* slot;
+  float from;
+  float to;
+};
+
+class TapCycle {
+ public:
+  TapCycle(std::uint32_t frames, std::uint32_t offset, CorrectionPorts& ports,
+           CorrectionScratch& scratch, Outputs& outputs)
+      : frames_(frames), offset_(offset), ports_(ports), scratch_(scratch), outputs_(outputs) {}
+
+  void render(const CorrectionTap& tap) {
+    collectInput(tap);
+    if (channels_ == 0) {
+      return;
+    }
+    const std::uint32_t outChannels = outputs_.channels(tap.group);
+    std::array<AudioBuffer, maxCorrectionChannels> in;
+    std::array<AudioBuffer, maxCorrectionChannels> out;
+    const std::uint32_t bytes = frames_ * static_cast<std::uint32_t>(sizeof(float));
+    for (std::uint32_t c = 0; c < channels_; ++c) {
+      // The buffers of an input list are read only, the type of the list cannot say so.
+      in[c] = {1, bytes, const_cast<float*>(input_[c])};
+    }
+    for (std::uint32_t c = 0; c < outChannels; ++c) {
+      out[c] = {1, bytes, scratch_.output(c)};
+    }
+    (*tap.block)({in.data(), channels_}, {out.data(), outChannels});
+    addOutput(tap, outChannels);
+  }
+
+ private:
+  const float* portInput(const CorrectionSlot& slot, std::uint32_t channel) {
+    const float* samples = ports_.input(slot.port + channel);
+    return samples == nullptr ? nullptr : samples + offset_;
+  }
+
+  // Moves a slot's weight on and says what part it takes in this cycle.
+  static Share advance(CorrectionSlot& slot) {
+    const float from = slot.weight.load(std::memory_order_relaxed);
+    const float to = slot.targetWeight.load(std::memory_order_relaxed);
+    if (from != to) {
+      slot.weight.store(to, std::memory_order_relaxed);
+    }
+    return {&slot, from, to};
+  }
+
+  void collectInput(const CorrectionTap& tap) {
+    channels_ = 0;
+    single_ = nullptr;
+    shares_ = 0;
+    // A stream beyond the limit of a cycle keeps its direct path.
+    for (CorrectionSlot* slot : tap.slots) {
+      if (shares_ == share_.size()) {
+        break;
+      }
+      const Share share = advance(*slot);
+      if (share.from != 0.0f || share.to != 0.0f) {
+        share_[shares_++] = share;
+        channels_ = std::max(channels_, std::min(slot->channels, maxCorrectionChannels));
+      }
+    }
+    if (shares_ == 1 && share_[0].from == 1.0f && share_[0].to == 1.0f) {
+      single_ = share_[0].slot;
+      for (std::uint32_t c = 0; c < channels_; ++c) {
+        const float* samples = portInput(*single_, c);
+        input_[c] = samples == nullptr ? scratch_.silence() : samples;
+      }
+      return;
+    }
+    for (std::uint32_t c = 0; c < channels_; ++c) {
+      clear(scratch_.input(c), frames_);
+      input_[c] = scratch_.input(c);
+    }
+    for (std::size_t i = 0; i < shares_; ++i) {
+      const Share& share = share_[i];
+      for (std::uint32_t c = 0; c < std::min(share.slot->channels, channels_); ++c) {
+        if (const float* samples = portInput(*share.slot, c)) {
+          addRamped(scratch_.input(c), samples, frames_, share.from, share.to);
+        }
+      }
+    }
+  }
+
+  void addOutput(const CorrectionTap& tap, std::uint32_t outChannels) {
+    // The usual case in one pass, so that silencing a stream is exact beside any other.
+    if (single_ != nullptr && single_->group == tap.group && outChannels == channels_) {
+      const auto direct = single_->directChannels.load(std::memory_order_relaxed);
+      for (std::uint32_t c = 0; c < channels_; ++c) {
+        if ((direct >> c & 1u) != 0) {
+          outputs_.addDifference(tap.group, c, scratch_.output(c), input_[c]);
+        } else {
+          outputs_.add(tap.group, c, scratch_.output(c));
+        }
+      }
+      return;
+    }
+    for (std::uint32_t c = 0; c < outChannels; ++c) {
+      outputs_.add(tap.group, c, scratch_.output(c));
+    }
+    for (std::size_t i = 0; i < shares_; ++i) {
+      const Share& share = share_[i];
+      const auto direct = share.slot->directChannels.load(std::memory_order_relaxed);
+      for (std::uint32_t c = 0; c < std::min(share.slot->channels, channels_); ++c) {
+        const float* samples = (direct >> c & 1u) != 0 ? portInput(*share.slot, c) : nullptr;
+        if (samples != nullptr) {
+          outputs_.subtract(share.slot->group, c, samples, share.from, share.to);
+        }
+      }
+    }
+  }
+
+  std::uint32_t frames_;
+  std::uint32_t offset_;
+  CorrectionPorts& ports_;
+  CorrectionScratch& scratch_;
+  Outputs& outputs_;
+
+  std::uint32_t channels_ = 0;
+  const CorrectionSlot* single_ = nullptr;
+  std::array<const float*, maxCorrectionChannels> input_{};
+  std::array<Share, 256> share_;
+  std::size_t shares_ = 0;
+};
+
+}  // namespace
+
+CorrectionScratch::CorrectionScratch()
+    : samples_(std::make_unique_for_overwrite<float[]>(std::size_t{2} * maxCorrectionChannels *
+                                                       maxFrames)),
+      silence_(maxFrames, 0.0f) {}
+
+void renderCorrections(const CorrectionPlan& plan, const std::vector<std::uint32_t>& groupChannels,
+                       std::uint32_t frames, CorrectionPorts& ports, CorrectionScratch& scratch) {
+  for (std::uint32_t offset = 0; offset < frames; offset += CorrectionScratch::maxFrames) {
+    const std::uint32_t piece = std::min(frames - offset, CorrectionScratch::maxFrames);
+    Outputs outputs(groupChannels, piece, offset, ports);
+    TapCycle cycle(piece, offset, ports, scratch, outputs);
+    for (const CorrectionTap& tap : plan) {
+      cycle.render(tap);
+    }
+    outputs.clearUnwritten();
+  }
+}
+
+}  // namespace plemora

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/audio_graph.h"
+
+namespace plemora {
+
+/// Channels of one sink that a correction can serve; further ones stay as they are.
+inline constexpr std::uint32_t maxCorrectionChannels = 32;
+
+/// One stream of a tap as the real-time thread sees it. Made and freed off that thread, while no
+/// installed plan names it.
+struct CorrectionSlot {
+  std::uint32_t port = 0;   ///< first of this slot's inputs, see CorrectionPorts
+  std::uint32_t group = 0;  ///< sink that the stream plays to by itself
+  std::uint32_t channels = 0;
+
+  /// Share of the correction that is wanted: 0 or 1. Set by the event thread.
+  std::atomic<float> targetWeight = 0.0f;
+  /// Share reached at the end of the last cycle; goes to the target across one buffer. Set by the
+  /// event thread before the slot is installed, then by the real-time thread.
+  std::atomic<float> weight = 0.0f;
+  /// Bit per channel: the stream's direct link to the sink carries samples. Set by the event
+  /// thread.
+  std::atomic<std::uint32_t> directChannels = 0;
+};
+
+/// One tap: its streams, its IO block, and the sink that it is heard on.
+struct CorrectionTap {
+  const AudioIOBlock* block = nullptr;
+  std::uint32_t group = 0;
+  std::vector<CorrectionSlot*> slots;
+};
+
+/// What the real-time thread works on; replaced as a whole between two cycles.
+using CorrectionPlan = std::vector<CorrectionTap>;
+
+/// This cycle's buffers of a filter's ports. Null: the port is not linked.
+class CorrectionPorts {
+ public:
+  virtual ~CorrectionPorts() = default;
+  virtual const float* input(std::uint32_t port) = 0;
+  virtual float* output(std::uint32_t group, std::uint32_t channel) = 0;
+};
+
+/// Buffers that all filters of one real-time thread share. Memory is touched only as far as cycles
+/// are long.
+class CorrectionScratch {
+ public:
+  /// Frames that are rendered at once; a longer cycle is cut into pieces.
+  static constexpr std::uint32_t maxFrames = 8192;
+
+  CorrectionScratch();
+  float* input(std::uint32_t channel) { return samples_.get() + std::size_t{channel} * maxFrames; }
+  float* output(std::uint32_t channel) { return input(maxCorrectionChannels + channel); }
+  const float* silence() const { return silence_.data(); }
+
+ private:
+  std::unique_ptr<float[]> samples_;
+  std::vector<float> silence_;
+};
+
+/// Renders one cycle: into the sinks' outputs goes w * (f(x) - d * x) summed over all streams,
+/// where f is the tap's IO block, w the slot's weight, and d 1 where the direct link carries
+/// samples. Together with the direct path the sink hears f(x). groupChannels holds the number of
+/// outputs of each group. Real-time thread: neither allocates nor locks.
+void renderCorrections(const CorrectionPlan& plan, const std::vector<std::uint32_t>& groupChannels,
+                       std::uint32_t frames, CorrectionPorts& ports, CorrectionScratch& scratch);
+
+}  // namespace plemora

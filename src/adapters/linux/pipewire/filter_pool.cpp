@@ -1,0 +1,133 @@
+#include "adapters/linux/pipewire/filter_pool.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace plemora {
+
+namespace {
+
+// A desktop has a few players; a studio may have many: each further filter for the same sinks is
+// larger, since every port costs the server memory and an announcement to all clients.
+constexpr std::uint32_t firstSlotCount = 4;
+constexpr std::uint32_t nextSlotCountFactor = 4;
+constexpr std::uint32_t largestSlotCount = 64;
+
+constexpr std::size_t filtersPerCore = 24;
+constexpr double keepUnusedSeconds = 2.0;
+constexpr double retryBrokenSeconds = 1.0;
+
+}  // namespace
+
+bool FilterPool::Entry::isUnused() const {
+  return std::find(used.begin(), used.end(), true) == used.end();
+}
+
+FilterPool::FilterPool(const PipeWireLoop& loop, pw_core* core, std::function<void()> onChange)
+    : loop_(loop), mainCore_(core), onChange_(std::move(onChange)) {}
+
+// Filters go before the connections that they live on.
+FilterPool::~FilterPool() {
+  entries_.clear();
+}
+
+FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
+  std::uint32_t slots = firstSlotCount;
+  Entry* found = nullptr;
+  for (Entry& entry : entries_) {
+    if (entry.filter->sinks() != sinks || entry.filter->isBroken()) {
+      continue;
+    }
+    slots = std::min(entry.filter->slotCount() * nextSlotCountFactor, largestSlotCount);
+    if (std::find(entry.used.begin(), entry.used.end(), false) != entry.used.end()) {
+      found = &entry;
+      break;
+    }
+  }
+  if (found == nullptr) {
+    found = make(sinks, slots, now);
+  }
+  if (found == nullptr) {
+    return {};
+  }
+  const auto free = std::find(found->used.begin(), found->used.end(), false);
+  *free = true;
+  found->unusedSince = 0;
+  return {found->filter.get(), static_cast<std::uint32_t>(free - found->used.begin())};
+}
+
+FilterPool::Entry* FilterPool::make(const std::vector<SinkLayout>& sinks, std::uint32_t slots,
+                                    double now) {
+  if (now < retryAt_) {
+    return nullptr;
+  }
+  Entry entry;
+  pw_core* core = coreWithRoom(entry.core);
+  if (core == nullptr) {
+    retryAt_ = now + retryBrokenSeconds;
+    return nullptr;
+  }
+  entry.filter = std::make_unique<CorrectionFilter>(loop_, core, sinks, slots, scratch_, onChange_);
+  if (entry.filter->isBroken()) {
+    retryAt_ = now + retryBrokenSeconds;
+    return nullptr;
+  }
+  entry.used.resize(slots, false);
+  entries_.push_back(std::move(entry));
+  return &entries_.back();
+}
+
+pw_core* FilterPool::coreWithRoom(std::size_t& index) {
+  for (index = 0;; ++index) {
+    const auto filters = std::count_if(entries_.begin(), entries_.end(),
+                                       [&](const Entry& entry) { return entry.core == index; });
+    if (index == moreCores_.size() + 1) {
+      std::unique_ptr<pw_core, Disconnect> core(pw_context_connect(loop_.context(), nullptr, 0));
+      if (!core) {
+        return nullptr;
+      }
+      moreCores_.push_back(std::move(core));
+    }
+    if (static_cast<std::size_t>(filters) < filtersPerCore) {
+      return index == 0 ? mainCore_ : moreCores_[index - 1].get();
+    }
+  }
+}
+
+void FilterPool::giveBack(FilterSlot slot) {
+  for (Entry& entry : entries_) {
+    if (entry.filter.get() == slot.filter) {
+      entry.used[slot.index] = false;
+    }
+  }
+}
+
+void FilterPool::update(const GraphMirror& mirror) {
+  for (Entry& entry : entries_) {
+    entry.filter->update(mirror);
+  }
+}
+
+double FilterPool::sweep(double now) {
+  double next = retryAt_ > now ? retryAt_ - now : 0;
+  std::erase_if(entries_, [&](Entry& entry) {
+    if (!entry.isUnused()) {
+      return false;
+    }
+    if (entry.filter->isBroken()) {
+      retryAt_ = now + retryBrokenSeconds;
+      return true;
+    }
+    if (entry.unusedSince == 0) {
+      entry.unusedSince = now;
+    }
+    const double left = entry.unusedSince + keepUnusedSeconds - now;
+    if (left > 0) {
+      next = next == 0 ? left : std::min(next, left);
+    }
+    return left <= 0;
+  });
+  return next;
+}
+
+}  // namespace plemora
