@@ -18,6 +18,12 @@ struct Avx2 {
   static Avx2 magnitude(Avx2 x) { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), x.value)}; }
   // The instruction gives its second operand when either is NaN.
   static Avx2 larger(Avx2 x, Avx2 seen) { return {_mm256_max_ps(x.value, seen.value)}; }
+  static float largestElement(Avx2 x) {
+    const __m128 four =
+        _mm_max_ps(_mm256_castps256_ps128(x.value), _mm256_extractf128_ps(x.value, 1));
+    const __m128 pair = _mm_max_ps(four, _mm_movehl_ps(four, four));
+    return _mm_cvtss_f32(_mm_max_ss(pair, _mm_shuffle_ps(pair, pair, 1)));
+  }
 };
 
 }  // namespace

@@ -20,6 +20,7 @@ struct Neon {
   static Neon larger(Neon x, Neon seen) {
     return {vbslq_f32(vcgtq_f32(x.value, seen.value), x.value, seen.value)};
   }
+  static float largestElement(Neon x) { return vmaxvq_f32(x.value); }
 };
 
 }  // namespace

@@ -18,6 +18,10 @@ struct Sse2 {
   static Sse2 magnitude(Sse2 x) { return {_mm_andnot_ps(_mm_set1_ps(-0.0f), x.value)}; }
   // The instruction gives its second operand when either is NaN.
   static Sse2 larger(Sse2 x, Sse2 seen) { return {_mm_max_ps(x.value, seen.value)}; }
+  static float largestElement(Sse2 x) {
+    const __m128 pair = _mm_max_ps(x.value, _mm_movehl_ps(x.value, x.value));
+    return _mm_cvtss_f32(_mm_max_ss(pair, _mm_shuffle_ps(pair, pair, 1)));
+  }
 };
 
 }  // namespace

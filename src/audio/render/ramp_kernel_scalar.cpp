@@ -9,15 +9,18 @@ namespace plemora {
 
 void rampStridedScalar(const float* in, std::size_t inStride, float* out, std::size_t outStride,
                        std::size_t frames, float gain, float step, RampPeaks& peaks) {
+  // Kept apart from the caller's, which the compiler must assume to lie under the output.
+  RampPeaks seen = peaks;
   for (std::size_t i = 0; i < frames; ++i) {
     const float x = in[i * inStride];
     const float y = gain * x;
     out[i * outStride] = y;
     // Comparisons with NaN are false, so a NaN leaves the peak as it is.
-    peaks.input = std::fabs(x) > peaks.input ? std::fabs(x) : peaks.input;
-    peaks.output = std::fabs(y) > peaks.output ? std::fabs(y) : peaks.output;
+    seen.input = std::fabs(x) > seen.input ? std::fabs(x) : seen.input;
+    seen.output = std::fabs(y) > seen.output ? std::fabs(y) : seen.output;
     gain += step;
   }
+  peaks = seen;
 }
 
 namespace {

@@ -16,7 +16,8 @@ namespace plemora {
 ///         or null mData is left alone, its channels are counted all the same.
 ///
 /// An output buffer may be the very memory of the input buffer that it is rendered from, if no
-/// later buffer is rendered from that too; other overlaps are not allowed. A NaN sample passes through and never becomes a peak.
+/// later buffer is rendered from that too; other overlaps are not allowed. A NaN sample passes
+/// through and never becomes a peak.
 ///
 /// Real-time thread. Neither allocates, locks, logs nor calls into the system.
 void render(AudioBufferList input, AudioBufferList output, RenderState& state) noexcept;

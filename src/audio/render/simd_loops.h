@@ -12,6 +12,7 @@
 //   V add(V, V), V subtract(V, V), V multiply(V, V)     one IEEE rounding each, never fused
 //   V magnitude(V)                |x|
 //   V larger(V x, V seen)         x where x > seen, else seen (so NaN in x is passed over)
+//   float largestElement(V)       of numbers
 //
 // V being local to its file makes every instance local too: no function compiled for a newer
 // processor can be picked by the linker for code that runs on an older one. For the same reason
@@ -72,12 +73,8 @@ struct SimdLoops {
   /// The largest element of the vectors and of `seen`.
   static float largest(const V (&maxima)[vectors], float seen) {
     const V folded = V::larger(V::larger(maxima[0], maxima[1]), V::larger(maxima[2], maxima[3]));
-    float values[V::width];
-    folded.store(values);
-    for (const float value : values) {
-      seen = value > seen ? value : seen;
-    }
-    return seen;
+    const float found = V::largestElement(folded);
+    return found > seen ? found : seen;
   }
 
   /// The ramp over `samples` interleaved samples of that many channels (1 or 2).
