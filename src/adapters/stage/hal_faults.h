@@ -41,7 +41,7 @@ struct HalFault {
   bool yieldsNothing = false;
   /// Runs at the beginning of the call, on its thread, and may change the simulated HAL: so do
   /// objects vanish during a call.
-  std::function<void()> before;
+  std::function<void()> before{};
 };
 
 /// Decides which calls of a simulated HAL fail, and counts them. Any thread.

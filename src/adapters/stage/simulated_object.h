@@ -23,14 +23,14 @@ using Sound = std::vector<std::vector<float>>;
 /// A device of the scene: all that a test or the stage says about it. Every stream is one buffer
 /// of an IO cycle, its channels interleaved: {2} is stereo, {1, 1} planar stereo, {2, 2} two pairs.
 struct SimulatedDevice {
-  std::string uid;
-  std::optional<std::string> name;
+  std::string uid{};
+  std::optional<std::string> name{};
   FourCharCode transport = kAudioDeviceTransportTypeBuiltIn;
   std::vector<std::uint32_t> outputStreams{2};  ///< channels of each stream
-  std::vector<std::uint32_t> inputStreams;
-  SampleSource inputSource;                ///< what its inputs hear; silence without one
-  std::optional<FourCharCode> dataSource;  ///< none: the property is missing
-  std::optional<float> volume = 1.0F;      ///< none: the property is missing
+  std::vector<std::uint32_t> inputStreams{};
+  SampleSource inputSource{};                ///< what its inputs hear; silence without one
+  std::optional<FourCharCode> dataSource{};  ///< none: the property is missing
+  std::optional<float> volume = 1.0F;        ///< none: the property is missing
   bool hasSettableVolume = true;
   std::optional<bool> isMuted = false;  ///< none: the property is missing
   bool isHidden = false;
@@ -45,8 +45,8 @@ struct SimulatedDevice {
 struct SimulatedProcess {
   std::int32_t pid = 0;
   bool isRunningOutput = true;
-  std::vector<AudioObjectID> devices;  ///< it plays the same to each
-  SampleSource source;                 ///< what it plays; silence without one
+  std::vector<AudioObjectID> devices{};  ///< it plays the same to each
+  SampleSource source{};                 ///< what it plays; silence without one
 };
 
 /// A stream of a device; in an aggregate, of one of its members.
