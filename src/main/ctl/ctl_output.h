@@ -39,7 +39,8 @@ std::string audibilityText(const AppState& app, const AudibilityReport& report,
 /// What changed, one line each, for "watch" when nobody looks at it live.
 std::string changesText(const MixerState& before, const MixerState& after);
 
-/// One picture of "watch": no line longer than the terminal is wide, at most that many lines.
+/// One picture of "watch" for a terminal of that many lines: no line is longer than it is wide,
+/// and two lines at the end are left for the caller.
 std::string watchText(const MixerState& state, const std::vector<LevelReport>& levels,
                       const OutputStyle& style, int lines);
 

@@ -7,7 +7,10 @@ namespace plemora {
 
 namespace {
 
-constexpr int barWidth = 24;
+// Columns of a level bar, and the width of a terminal from which there is room for more.
+constexpr int shortBar = 16;
+constexpr int longBar = 24;
+constexpr int wideTerminal = 100;
 
 std::string muteText(bool muted) {
   return muted ? "muted" : "not muted";
@@ -100,6 +103,7 @@ std::string watchText(const MixerState& state, const std::vector<LevelReport>& l
     head = "waiting for a sound server";
   }
   TextTable table;
+  const int barWidth = style.width > 0 && style.width < wideTerminal ? shortBar : longBar;
   // Heads as wide as any level keep the columns where they are.
   table.rows.push_back({{"APP", CellStyle::strong},
                         {"VOLUME", CellStyle::strong, true},
@@ -108,9 +112,9 @@ std::string watchText(const MixerState& state, const std::vector<LevelReport>& l
                         {"      OUT", CellStyle::strong, true},
                         {"       IN", CellStyle::strong, true},
                         {"OUTPUT", CellStyle::strong}});
-  const std::size_t room = static_cast<std::size_t>(std::max(1, lines - 4));
+  const std::size_t room = static_cast<std::size_t>(std::max(1, lines - 5));
   for (const AppState& app : state.apps) {
-    if (table.rows.size() > room) {
+    if (table.rows.size() >= room) {
       break;
     }
     const auto level = std::find_if(levels.begin(), levels.end(),

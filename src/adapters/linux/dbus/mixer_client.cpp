@@ -19,6 +19,9 @@ ClientError clientError(const QDBusMessage& reply) {
   if (reply.errorName().startsWith(QLatin1String(mixerBusName) + '.')) {
     return {ClientError::Kind::refused, text};
   }
+  if (reply.errorName() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
+    return {ClientError::Kind::notRunning, "plemora is not running"};
+  }
   switch (QDBusError(reply).type()) {
     case QDBusError::ServiceUnknown:
       return {ClientError::Kind::notRunning, "plemora is not running"};

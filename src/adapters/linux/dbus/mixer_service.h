@@ -18,6 +18,8 @@ namespace plemora {
 struct ServiceError {
   std::string name;     ///< one of the error names of mixer_names.h
   std::string message;  ///< what was wrong and what to do
+
+  bool operator==(const ServiceError&) const = default;
 };
 
 /// None: done.

@@ -1,0 +1,8 @@
+# Completion of plemora for bash.
+
+_plemora() {
+  mapfile -t COMPREPLY < <(compgen -W '--no-ui --log-levels -demo --help --version' -- \
+    "${COMP_WORDS[COMP_CWORD]}")
+}
+
+complete -F _plemora plemora
