@@ -40,6 +40,7 @@ class TonePlayer {
   TonePlayer(PrivateSession& session, ToneOptions options);
 
   ChildProcess& process() { return *process_; }
+  pid_t pid() const { return process_->pid(); }
   /// Name of the nodes of its streams.
   const std::string& name() const { return options_.name; }
 

@@ -1,0 +1,297 @@
+// The real program in a real session, told what to do by plemoractl, heard at the sinks.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+
+#include "pipewire/gain_track.h"
+#include "support/pipewire/player.h"
+#include "support/pipewire/private_session.h"
+#include "support/pipewire/program_under_test.h"
+#include "support/pipewire/sink_recorder.h"
+#include "support/wait.h"
+
+namespace plemora::rig {
+namespace {
+
+class Program : public testing::Test {
+ protected:
+  explicit Program(int quantum = 1024) {
+    session.createSinks(quantum);
+    plemora = std::make_unique<ProgramUnderTest>(session);
+  }
+  ~Program() override {
+    if (HasFailure()) {
+      std::printf("%s", session.logs().c_str());
+    }
+  }
+
+  std::unique_ptr<TonePlayer> play(const ToneOptions& options) {
+    auto player = std::make_unique<TonePlayer>(session, options);
+    EXPECT_TRUE(player->waitUntilStreaming());
+    EXPECT_TRUE(session.waitForLink(options.name, "first"));
+    EXPECT_TRUE(plemora->waitForApp(options.name)) << options.name << " is not listed";
+    return player;
+  }
+
+  static bool hears(SinkRecorder& recorder, float value, double seconds = 5) {
+    return eventually(seconds, [&] { return recorder.next(1)[0].back() == value; });
+  }
+
+  /// Whether the app's last samples come at the gain (identity signal).
+  static bool hearsGain(SinkRecorder& recorder, double gain, double seconds = 5) {
+    return eventually(seconds, [&] {
+      const auto heard = recorder.next(512);
+      const auto first = identityFrame(heard[0][0], 0, gain);
+      return first >= 0 && identityFrame(heard[0][511], 0, gain) == first + 511;
+    });
+  }
+
+  PrivateSession session;
+  std::unique_ptr<ProgramUnderTest> plemora;
+};
+
+class Players : public Program, public testing::WithParamInterface<PlayerKind> {};
+
+TEST_P(Players, AreHeardAtAQuarterMutedAndElsewhere) {
+  const std::string file = session.directory() + "/tone.wav";
+  writeToneFile(file, Signal::sine(440, 0.5), 60);
+  SinkRecorder first(session, "first");
+  SinkRecorder second(session, "second");
+  Player player(session, GetParam(), file);
+  const auto app = programOf(GetParam());
+  ASSERT_TRUE(plemora->waitForApp(app)) << plemora->must({"list"});
+  const auto amplitude = [](SinkRecorder& recorder) {
+    return amplitudeAt(recorder.next(9600)[0], 440, 48000);
+  };
+  ASSERT_TRUE(eventually(5, [&] { return std::abs(amplitude(first) - 0.5) < 0.001; }));
+
+  plemora->must({"volume", app, "50%"});
+  EXPECT_TRUE(eventually(5, [&] { return std::abs(amplitude(first) - 0.125) < 0.00125; }))
+      << amplitude(first);
+  EXPECT_NEAR(amplitude(first), 0.125, 0.00125);
+
+  plemora->must({"mute", app});
+  EXPECT_TRUE(eventually(5, [&] { return peak(first.next(9600)[0]) == 0; }));
+  plemora->must({"unmute", app});
+  EXPECT_TRUE(eventually(5, [&] { return std::abs(amplitude(first) - 0.125) < 0.00125; }));
+
+  plemora->must({"output", app, "Second Speakers"});
+  EXPECT_TRUE(eventually(5, [&] { return std::abs(amplitude(second) - 0.125) < 0.00125; }))
+      << amplitude(second);
+  EXPECT_TRUE(eventually(5, [&] { return peak(first.next(9600)[0]) == 0; }));
+  plemora->must({"output", app, "default"});
+  EXPECT_TRUE(eventually(5, [&] { return std::abs(amplitude(first) - 0.125) < 0.00125; }));
+  EXPECT_EQ(peak(second.next(9600)[0]), 0);
+
+  plemora->must({"volume", app, "100%"});
+  EXPECT_TRUE(eventually(5, [&] { return std::abs(amplitude(first) - 0.5) < 0.001; }));
+}
+
+std::string caseName(const testing::TestParamInfo<PlayerKind>& kind) {
+  constexpr const char* names[] = {"PwPlay", "Paplay", "MpvPipeWire", "MpvPulse"};
+  return names[static_cast<int>(kind.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(, Players,
+                         testing::Values(PlayerKind::pwPlay, PlayerKind::paplay,
+                                         PlayerKind::mpvPipeWire, PlayerKind::mpvPulse),
+                         caseName);
+
+struct ProgramAt256 : Program {
+  ProgramAt256() : Program(256) {}
+};
+
+using KilledProgram = ProgramAt256;
+
+TEST_F(KilledProgram, LeavesTheDirectPathWithoutLosingASample) {
+  const auto tone = play({.signal = Signal::identity()});
+  SinkRecorder recorder(session, "first");
+  plemora->must({"volume", "tone", "50%"});
+  ASSERT_TRUE(hearsGain(recorder, 0.25));
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_TRUE(hearsGain(recorder, 0.25)) << "the level did not survive";
+    recorder.clear();
+    ASSERT_TRUE(recorder.record(4800));
+    plemora->process().kill();
+    ASSERT_TRUE(recorder.record(24000));
+    const auto heard = recorder.take();
+    const auto track = gainTrack(heard, 0, 0.25);
+    EXPECT_EQ(heard.gaps, 0);
+    EXPECT_NEAR(track.last(), 1, 1e-9) << track.text();
+    const auto off = track.framesOff({0.25, 1});
+    std::printf("kill -9: %s\n", track.text().c_str());
+    EXPECT_EQ(off, 0u);
+    plemora->start();
+    ASSERT_TRUE(plemora->waitForApp("tone"));
+  }
+}
+
+TEST_F(KilledProgram, BringsARoutedAppBackToItsOwnSink) {
+  const auto tone = play({.signal = Signal::identity()});
+  SinkRecorder first(session, "first");
+  SinkRecorder second(session, "second");
+  plemora->must({"output", "tone", "Second Speakers"});
+  ASSERT_TRUE(hearsGain(second, 1));
+  ASSERT_TRUE(eventually(5, [&] { return peak(first.next(512)[0]) == 0; }));
+  first.clear();
+  ASSERT_TRUE(first.record(4800));
+  plemora->process().kill();
+  ASSERT_TRUE(first.record(24000));
+  EXPECT_TRUE(hearsGain(first, 1));
+  EXPECT_EQ(peak(second.next(4800)[0]), 0);
+  const auto heard = first.take();
+  EXPECT_EQ(heard.gaps, 0);
+  const auto start = firstAbove(heard[0], 0);
+  std::size_t holes = 0;
+  for (std::size_t i = start; i < heard.frames; ++i) {
+    holes += heard[0][i] == 0 ? 1u : 0u;
+  }
+  std::printf("kill -9 of a routed app's tap: %zu silent frames after its return\n", holes);
+  EXPECT_EQ(holes, 0u);
+  EXPECT_EQ(gainTrack(first.next(4800), 0).framesOff({1}), 0u);
+}
+
+TEST_F(KilledProgram, StoppedByASignalItDoesNotStopTheSound) {
+  const auto tone = play({.signal = Signal::identity()});
+  SinkRecorder recorder(session, "first");
+  plemora->must({"volume", "tone", "50%"});
+  ASSERT_TRUE(hearsGain(recorder, 0.25));
+  recorder.clear();
+  ASSERT_TRUE(recorder.record(4800));
+  plemora->process().signal(SIGSTOP);
+  ASSERT_TRUE(recorder.record(24000));
+  plemora->process().signal(SIGCONT);
+  ASSERT_TRUE(recorder.record(24000));
+  const auto heard = recorder.take();
+  const auto track = gainTrack(heard, 0, 0.25);
+  std::printf("SIGSTOP, SIGCONT: %s\n", track.text().c_str());
+  EXPECT_EQ(heard.gaps, 0);
+  EXPECT_EQ(track.framesOff({0.25, 1}), 0u) << "no frame may be lost";
+  EXPECT_TRUE(hearsGain(recorder, 0.25));
+}
+
+TEST_F(Program, EndingRestoresTheDirectPathSampleExactly) {
+  const auto tone = play({.signal = Signal::identity()});
+  SinkRecorder recorder(session, "first");
+  plemora->must({"volume", "tone", "50%"});
+  ASSERT_TRUE(hearsGain(recorder, 0.25));
+  recorder.clear();
+  ASSERT_TRUE(recorder.record(4800));
+  plemora->process().signal(SIGTERM);
+  EXPECT_EQ(plemora->process().wait(5), 0);
+  ASSERT_TRUE(recorder.record(9600));
+  const auto track = gainTrack(recorder.take(), 0, 0.25);
+  EXPECT_LE(track.framesOff({0.25, 1}), 1024u) << track.text();
+  EXPECT_NEAR(track.last(), 1, 1e-9) << track.text();
+}
+
+TEST_F(Program, KeepsLevelsOverARestartOfItself) {
+  const auto tone = play({.signal = Signal::constant(0.5)});
+  SinkRecorder recorder(session, "first");
+  plemora->must({"volume", "tone", "50%"});
+  ASSERT_TRUE(hears(recorder, 0.125f));
+  plemora->must({"mute", "tone"});
+  ASSERT_TRUE(hears(recorder, 0));
+  plemora->process().stop();
+  ASSERT_TRUE(hears(recorder, 0.5f));
+  plemora->start();
+  EXPECT_TRUE(hears(recorder, 0));
+  const auto row = plemora->waitForApp("tone");
+  ASSERT_TRUE(row);
+  EXPECT_TRUE(row->muted);
+  EXPECT_NEAR(row->volume, 0.5, 1e-6);
+}
+
+TEST_F(Program, LeavesTheSessionManagersStateAlone) {
+  const auto tone = play({.signal = Signal::constant(0.5)});
+  SinkRecorder recorder(session, "first");
+  plemora->must({"volume", "tone", "50%"});
+  ASSERT_TRUE(hears(recorder, 0.125f));
+  // The session manager writes a second after what it had to write down last.
+  ASSERT_TRUE(recorder.record(3 * 48000));
+  const auto before = session.storedState();
+  session.graph().sync();
+  const auto metadata = session.graph().metadata("default");
+  for (int change = 0; change < 10; ++change) {
+    plemora->must({"volume", "tone", change % 2 == 0 ? "25%" : "75%"});
+  }
+  plemora->must({"output", "tone", "Second Speakers"});
+  plemora->must({"output", "tone", "default"});
+  plemora->must({"volume", "tone", "50%"});
+  ASSERT_TRUE(hears(recorder, 0.125f));
+  ASSERT_TRUE(recorder.record(3 * 48000));
+  EXPECT_EQ(session.storedState(), before);
+  session.graph().sync();
+  EXPECT_EQ(session.graph().metadata("default"), metadata);
+  EXPECT_TRUE(session.graph().isLinked("tone", "first"));
+}
+
+TEST_F(Program, FollowsTheDefaultAndARoutedAppsSinkThatGoesAndComes) {
+  const auto tone = play({.signal = Signal::constant(0.5)});
+  SinkRecorder first(session, "first");
+  plemora->must({"volume", "tone", "50%"});
+  plemora->must({"output", "tone", "Second Speakers"});
+  {
+    SinkRecorder second(session, "second");
+    ASSERT_TRUE(hears(second, 0.125f));
+    ASSERT_TRUE(hears(first, 0));
+  }
+  session.graph().removeSink("second");
+  EXPECT_TRUE(hears(first, 0.125f)) << first.next(1)[0].back();
+  session.graph().createSink({.name = "second", .description = "Second Speakers", .priority = 800});
+  {
+    SinkRecorder second(session, "second");
+    EXPECT_TRUE(hears(second, 0.125f)) << second.next(1)[0].back();
+    EXPECT_TRUE(hears(first, 0));
+  }
+  plemora->must({"output", "tone", "default"});
+  EXPECT_TRUE(hears(first, 0.125f));
+  plemora->must({"default-output", "Second Speakers"});
+  SinkRecorder second(session, "second");
+  EXPECT_TRUE(hears(second, 0.125f)) << second.next(1)[0].back();
+  EXPECT_TRUE(hears(first, 0));
+  const auto row = plemora->waitForApp("tone");
+  ASSERT_TRUE(row);
+  EXPECT_FALSE(row->routed);
+}
+
+TEST_F(Program, SetsTheMasterVolumeOnTheCubicScale) {
+  const auto tone = play({.signal = Signal::constant(0.5)});
+  SinkRecorder recorder(session, "first");
+  plemora->must({"master", "50%"});
+  EXPECT_THAT(plemora->must({"master"}), testing::HasSubstr("50"));
+  // A null sink's monitor is taken after its volume.
+  EXPECT_TRUE(eventually(5, [&] { return std::abs(recorder.next(1)[0].back() - 0.0625f) < 1e-4; }))
+      << recorder.next(1)[0].back();
+  plemora->must({"master", "mute"});
+  EXPECT_TRUE(hears(recorder, 0));
+  plemora->must({"master", "unmute"});
+  plemora->must({"master", "100%"});
+  EXPECT_TRUE(hears(recorder, 0.5f));
+}
+
+TEST_F(Program, AnAppIsListedSoonAfterItsFirstSoundAndDoesNotSplit) {
+  for (int round = 0; round < 5; ++round) {
+    const std::string name = "late" + std::to_string(round);
+    TonePlayer tone(session, {.name = name, .signal = Signal::constant(0.1), .streams = 3});
+    ASSERT_TRUE(session.waitForState(name, "running"));
+    const auto started = std::chrono::steady_clock::now();
+    ASSERT_TRUE(plemora->waitForApp(name));
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
+    std::printf("listed %.0f ms after its first sound\n", took.count() * 1000);
+    EXPECT_LT(took.count(), 0.3);
+    std::size_t rows = 0;
+    for (const auto& row : plemora->apps()) {
+      rows += row.name == name ? 1u : 0u;
+    }
+    EXPECT_EQ(rows, 1u);
+  }
+}
+
+}  // namespace
+}  // namespace plemora::rig

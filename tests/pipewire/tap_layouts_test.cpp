@@ -1,0 +1,115 @@
+// Taps of streams and sinks of every layout and rate, and of many apps at once.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "pipewire/gain_track.h"
+#include "pipewire/tap_rig.h"
+
+namespace plemora::rig {
+namespace {
+
+constexpr float quarter = 0.25f;
+
+struct Layout {
+  const char* what;
+  int streamChannels;
+  int streamRate;
+  int sinkChannels;
+};
+
+TEST(Tap, ServesEveryLayoutAndRate) {
+  const Layout layouts[] = {
+      {"mono stream", 1, 48000, 2},          {"5.1 stream", 6, 48000, 2},
+      {"44.1 kHz stream", 2, 44100, 2},      {"stereo on a 5.1 sink", 2, 48000, 6},
+      {"5.1 on a 5.1 sink", 6, 48000, 6},    {"mono on a 5.1 sink", 1, 48000, 6},
+      {"stereo on a mono sink", 2, 48000, 1}};
+  TapRig rig;
+  rig.session.graph().createSink({.name = "wide", .channels = 6, .priority = 700});
+  rig.session.graph().createSink({.name = "narrow", .channels = 1, .priority = 600});
+  ASSERT_TRUE(rig.eventually(5, [&] { return rig.deviceOf("wide") && rig.deviceOf("narrow"); }));
+  for (const auto& layout : layouts) {
+    SCOPED_TRACE(layout.what);
+    const std::string sink = layout.sinkChannels == 6   ? "wide"
+                             : layout.sinkChannels == 1 ? "narrow"
+                                                        : "first";
+    rig.session.graph().setDefaultSink(sink);
+    const auto tone = rig.play({.name = "tone",
+                                .signal = Signal::constant(0.0625),
+                                .channels = layout.streamChannels,
+                                .rate = layout.streamRate},
+                               sink);
+    SinkRecorder recorder(rig.session, sink, 20);
+    ASSERT_TRUE(recorder.record(9600));
+    const auto direct = recorder.next(1);
+    ASSERT_GT(peak(direct[0]), 0.03);
+    auto tap = rig.tap(*tone, quarter, sink, sink);
+    ASSERT_TRUE(tap);
+    ASSERT_TRUE(rig.eventually(5, [&] {
+      return std::abs(recorder.next(1)[0].back() - direct[0].back() * quarter) < 1e-6;
+    }));
+    const auto heard = recorder.next(4800);
+    for (std::size_t channel = 0; channel < heard.channels.size(); ++channel) {
+      for (const float sample : heard[channel]) {
+        ASSERT_NEAR(sample, direct[channel].back() * quarter, 1e-6) << "channel " << channel;
+      }
+    }
+    tap.reset();
+    ASSERT_TRUE(recorder.record(4800));
+    EXPECT_NEAR(recorder.next(1)[0].back(), direct[0].back(), 1e-6);
+  }
+}
+
+TEST(Tap, KeepsTheChannelsOfASurroundSinkApart) {
+  TapRig rig;
+  rig.session.graph().createSink({.name = "wide", .channels = 6, .priority = 700});
+  ASSERT_TRUE(rig.eventually(5, [&] { return rig.deviceOf("wide") != 0; }));
+  rig.session.graph().setDefaultSink("wide");
+  const auto tone = rig.play({.signal = Signal::identity(), .channels = 6}, "wide");
+  SinkRecorder recorder(rig.session, "wide", 20);
+  ASSERT_TRUE(recorder.record(4800));
+  auto tap = rig.tap(*tone, 0.5f, "wide", "wide");
+  ASSERT_TRUE(tap);
+  ASSERT_TRUE(recorder.record(9600));
+  const auto heard = recorder.take();
+  for (unsigned channel = 0; channel < 6; ++channel) {
+    const auto track = gainTrack(heard, channel);
+    ASSERT_GE(track.firstFrame, 0) << channel;
+    EXPECT_NEAR(track.last(), 0.5, 1e-9) << channel << ": " << track.text();
+    EXPECT_LE(track.framesOff({1, 0.5}), 1024u) << channel << ": " << track.text();
+  }
+}
+
+TEST(Tap, SixtyFourAppsAreAllRight) {
+  TapRig rig;
+  std::vector<std::unique_ptr<TonePlayer>> players;
+  std::vector<std::unique_ptr<AppTap>> taps;
+  constexpr float each = 1.0f / 256;
+  constexpr int count = 64;
+  for (int i = 0; i < count; ++i) {
+    players.push_back(
+        rig.play({.name = "app" + std::to_string(i), .signal = Signal::constant(each)}));
+  }
+  SinkRecorder recorder(rig.session, "first", 20);
+  ASSERT_TRUE(rig.hears(recorder, each * count));
+  for (const auto& player : players) {
+    taps.push_back(rig.tap(*player, 0.5f));
+    ASSERT_TRUE(taps.back());
+  }
+  EXPECT_TRUE(rig.hears(recorder, each * count * 0.5f)) << recorder.next(1)[0].back();
+  EXPECT_THAT(recorder.next(4800)[0], testing::Each(each * count * 0.5f));
+  // Each of them is a tap of its own: silence them one after the other.
+  for (int i = 0; i < count; i += 9) {
+    taps[static_cast<std::size_t>(i)]->state().targetGain = 0;
+    taps[static_cast<std::size_t>(i)]->state().peak = 0;
+    const float rest = each * 0.5f * static_cast<float>(count - i / 9 - 1);
+    EXPECT_TRUE(rig.hears(recorder, rest, 2)) << i << ": " << recorder.next(1)[0].back();
+  }
+  taps.clear();
+  EXPECT_TRUE(rig.hears(recorder, each * count));
+}
+
+}  // namespace
+}  // namespace plemora::rig
