@@ -40,18 +40,20 @@ class OwnerFinder {
  private:
   /// The app org.example.Browser owns org.example.Browser.Renderer.
   std::optional<RunningApplication> appWithPrefixOf(const std::string& bundleID) {
-    if (!all_) {
+    if (!isListed_) {
       all_ = workspace_.runningApplications();
+      isListed_ = true;
     }
-    const auto owner = std::find_if(all_->begin(), all_->end(), [&](const auto& candidate) {
+    const auto owner = std::find_if(all_.begin(), all_.end(), [&](const auto& candidate) {
       return isRegular(candidate) && candidate.bundleID &&
              bundleID.starts_with(*candidate.bundleID + ".");
     });
-    return owner == all_->end() ? std::nullopt : std::optional(*owner);
+    return owner == all_.end() ? std::nullopt : std::optional(*owner);
   }
 
   Workspace& workspace_;
-  std::optional<std::vector<RunningApplication>> all_;
+  std::vector<RunningApplication> all_;
+  bool isListed_ = false;
 };
 
 void addProcess(AudioApp& app, AudioObjectID process, bool isPlaying,

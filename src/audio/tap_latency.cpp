@@ -10,12 +10,14 @@ namespace plemora {
 
 namespace {
 
+constexpr const char* unreadable = "?";
+
 std::string shown(std::optional<double> value) {
-  return value ? fixedPoint(*value) : "?";
+  return value ? fixedPoint(*value) : unreadable;
 }
 
 std::string shown(std::optional<std::uint32_t> value) {
-  return value ? std::to_string(*value) : "?";
+  return value ? std::to_string(*value) : unreadable;
 }
 
 std::string rate(const AudioObject& device) {
@@ -45,14 +47,14 @@ std::string tapLatencyLine(AudioProperties& properties, AudioObjectID tap, Audio
   const auto range = aggregateDevice.readValue<AudioValueRange>(
       kAudioDevicePropertyBufferFrameSizeRange, kAudioObjectPropertyScopeGlobal);
 
-  const auto tapRate = format ? std::optional(format->mSampleRate) : std::nullopt;
-  const auto tapChannels = format ? std::optional(format->mChannelsPerFrame) : std::nullopt;
-  const auto minimum = range ? std::optional(range->mMinimum) : std::nullopt;
-  const auto maximum = range ? std::optional(range->mMaximum) : std::nullopt;
+  const std::string tapRate = format ? fixedPoint(format->mSampleRate) : unreadable;
+  const std::string tapChannels = format ? std::to_string(format->mChannelsPerFrame) : unreadable;
+  const std::string minimum = range ? fixedPoint(range->mMinimum) : unreadable;
+  const std::string maximum = range ? fixedPoint(range->mMaximum) : unreadable;
   return "latency: agg rate " + rate(aggregateDevice) + " device rate " + rate(output) +
-         " tap rate " + shown(tapRate) + " ch " + shown(tapChannels) + " | buffer " +
-         bufferSize(aggregateDevice) + " (range " + shown(minimum) + "-" + shown(maximum) +
-         "), device buffer " + bufferSize(output) + " | agg in lat " +
+         " tap rate " + tapRate + " ch " + tapChannels + " | buffer " +
+         bufferSize(aggregateDevice) + " (range " + minimum + "-" + maximum + "), device buffer " +
+         bufferSize(output) + " | agg in lat " +
          latency(aggregateDevice, kAudioObjectPropertyScopeInput) + " | agg out lat " +
          latency(aggregateDevice, kAudioObjectPropertyScopeOutput) + " | device out lat " +
          latency(output, kAudioObjectPropertyScopeOutput);
