@@ -65,6 +65,31 @@ DesktopPaths DesktopPaths::fromEnvironment() {
     addOnce(paths.programs, folder);
   }
 
+  for (const char* folder : {"/",
+                             "/usr",
+                             "/usr/lib",
+                             "/usr/lib32",
+                             "/usr/lib64",
+                             "/usr/libexec",
+                             "/usr/share",
+                             "/usr/local",
+                             "/usr/local/lib",
+                             "/usr/local/share",
+                             "/lib",
+                             "/lib64",
+                             "/opt",
+                             "/home",
+                             "/root",
+                             "/tmp",
+                             "/var",
+                             "/var/lib",
+                             "/snap",
+                             "/mnt",
+                             "/media",
+                             "/srv"}) {
+    paths.shared.emplace_back(folder);
+  }
+
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     if (paths.locale = environment(name); !paths.locale.empty()) {
       break;

@@ -13,6 +13,8 @@ struct DesktopPaths {
   std::vector<std::filesystem::path> applications;
   /// Folders of the search path for programs, in its order.
   std::vector<std::filesystem::path> programs;
+  /// Folders that belong to no one app though programs lie in them or below them.
+  std::vector<std::filesystem::path> shared;
   std::filesystem::path home;
   std::string locale;  ///< for messages, such as "de_AT.UTF-8"
 

@@ -31,10 +31,15 @@ ProcessOwner OwnerRules::ofProcess(const ProcessFacts& facts, const ProcessOwner
   if (parent && parent->adopts) {
     return *parent;
   }
+  // A worker of a script says no more than the interpreter's name, which may have an entry.
+  const bool isPart = parent && parentProgram && isPartOf(facts.program, *parentProgram);
+  if (isPart && facts.program.isBareInterpreter) {
+    return *parent;
+  }
   if (const DesktopEntry* entry = entries_.byProgram(facts.program)) {
     return ofEntry(entry);
   }
-  if (parent && parentProgram && isPartOf(facts.program, *parentProgram)) {
+  if (isPart) {
     return *parent;
   }
   return byProgram(facts);
@@ -111,8 +116,13 @@ std::optional<ProcessOwner> OwnerRules::byUnit(const ProcessFacts& facts) const 
 ProcessOwner OwnerRules::byProgram(const ProcessFacts& facts) const {
   ProcessOwner owner;
   owner.id = firstNotEmpty(programs_.identifier(facts.program), facts.kernelName);
-  if (entries_.byId(owner.id)) {
-    // The entry of that id starts another program: the name must not make them one.
+  if (const DesktopEntry* entry = entries_.byId(owner.id)) {
+    // Its command may be one that nobody can see through, such as a line for the shell.
+    if (entry->flatpakId.empty() && entry->snapInstance.empty() &&
+        entries_.programFile(entry).empty()) {
+      return ofEntry(entries_.representative(entry));
+    }
+    // It starts another program: the name must not make them one.
     owner.id = facts.program.calledAs + "#program";
   }
   owner.name = firstNotEmpty(facts.program.name, facts.kernelName);

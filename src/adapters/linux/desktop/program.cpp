@@ -77,6 +77,10 @@ Programs::Programs(const DesktopPaths& paths) : home_(paths.home.string()) {
   for (const fs::path& folder : paths.programs) {
     searchPath_.push_back(folder.string());
   }
+  shared_ = searchPath_;
+  for (const fs::path& folder : paths.shared) {
+    shared_.push_back(folder.string());
+  }
 }
 
 std::string Programs::locate(const std::string& command, const std::string& folder) const {
@@ -169,39 +173,12 @@ std::string Programs::identifier(const Program& program) const {
 }
 
 bool Programs::isShared(const std::string& folder) const {
-  constexpr std::string_view shared[] = {"",
-                                         "/",
-                                         "/usr",
-                                         "/usr/local",
-                                         "/usr/lib",
-                                         "/usr/lib32",
-                                         "/usr/lib64",
-                                         "/usr/libexec",
-                                         "/usr/share",
-                                         "/usr/local/lib",
-                                         "/lib",
-                                         "/lib64",
-                                         "/opt",
-                                         "/home",
-                                         "/root",
-                                         "/tmp",
-                                         "/var",
-                                         "/var/lib",
-                                         "/snap",
-                                         "/mnt",
-                                         "/media",
-                                         "/srv",
-                                         "/usr/local/share"};
-  if (std::find(std::begin(shared), std::end(shared), folder) != std::end(shared) ||
-      std::find(searchPath_.begin(), searchPath_.end(), folder) != searchPath_.end()) {
-    return true;
-  }
   // The user's folder and what lies directly in it (downloads, the desktop), and the libraries of
-  // one architecture.
+  // one architecture, are shared too.
   const fs::path path(folder);
-  return folder == home_ || path.parent_path() == home_ || folder == home_ + "/.local/bin" ||
-         folder == home_ + "/.local/share" ||
-         (path.parent_path() == "/usr/lib" && folder.ends_with("-linux-gnu"));
+  return std::find(shared_.begin(), shared_.end(), folder) != shared_.end() || folder == home_ ||
+         path.parent_path() == home_ || folder == home_ + "/.local/bin" ||
+         folder == home_ + "/.local/share" || folder.ends_with("-linux-gnu");
 }
 
 std::string Programs::appFolder(const std::string& executable) const {

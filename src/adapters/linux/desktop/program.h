@@ -50,6 +50,7 @@ class Programs {
   bool isShared(const std::string& folder) const;
 
   std::vector<std::string> searchPath_;
+  std::vector<std::string> shared_;
   std::string home_;
 };
 

@@ -1,7 +1,8 @@
 #include "adapters/linux/desktop/settings_file.h"
 
-#include <array>
+#include <algorithm>
 #include <cstdint>
+#include <exception>
 #include <stdexcept>
 #include <utility>
 
@@ -67,6 +68,17 @@ bool isUtf8(std::string_view text) {
   }
 }
 
+/// The parser's words without its own name, fit for a log whatever the file holds.
+std::string reasonOf(const std::exception& failure) {
+  std::string reason = failure.what();
+  if (const std::size_t end = reason.find("] "); reason.starts_with('[') && end != reason.npos) {
+    reason.erase(0, end + 2);
+  }
+  std::replace_if(
+      reason.begin(), reason.end(), [](char c) { return c < 0x20 || c > 0x7e; }, '?');
+  return reason;
+}
+
 Json encode(std::string_view bytes) {
   if (isUtf8(bytes)) {
     return std::string(bytes);
@@ -101,7 +113,7 @@ std::optional<SettingsFile> SettingsFile::parse(std::string_view text, std::stri
       return true;
     });
   } catch (const std::exception& failure) {
-    error = failure.what();
+    error = reasonOf(failure);
     return std::nullopt;
   }
   if (!file.members_.is_object()) {
