@@ -85,7 +85,9 @@ std::string contents(const std::string& path) {
   std::ifstream file(PLEMORA_PACKAGING "/" + path);
   std::ostringstream text;
   text << file.rdbuf();
-  return text.str();
+  std::string plain = text.str();
+  std::erase(plain, '\\');  // manuals escape their hyphens
+  return plain;
 }
 
 TEST(CtlArguments, EveryCommandIsHelpedAndCompletedAndInTheManual) {
