@@ -50,8 +50,9 @@ TEST_F(Text, ComparesWithoutRegardToCase) {
 
 TEST_F(Text, OrdersAnythingStrictly) {
   const std::vector<std::string> samples = {
-      "",    "a", "B", "ab", "é", "Zz", "耳机", broken, "\xff", "\xc3", std::string("a\0b", 3),
-      "\xf0"};
+      "", "a", "B", "ab", "é", "Zz", "耳机", broken, "\xff", "\xc3", std::string("a\0b", 3), "\xf0",
+      // By bytes alone the last would lie between the other two, the wrong way round.
+      "ê", "Ë", "Ð\xff"};
   for (const auto& a : samples) {
     EXPECT_FALSE(localizedCaseInsensitiveLess(a, a));
     for (const auto& b : samples) {

@@ -123,7 +123,10 @@ OSStatus writeVolume(HalState& state, AudioObjectID device, Scope, Bytes bytes) 
   if (!value) {
     return kAudioHardwareBadPropertySizeError;
   }
-  state.devices.at(device).facts.volume = std::clamp(*value, 0.0F, 1.0F);
+  if (!(*value >= 0 && *value <= 1)) {
+    return kAudioHardwareIllegalOperationError;
+  }
+  state.devices.at(device).facts.volume = *value;
   return noErr;
 }
 
