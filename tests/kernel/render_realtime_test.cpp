@@ -44,13 +44,15 @@ struct ForbiddenCall {
   std::function<void()> call;
 };
 
+/// To be made in this order, once.
 const std::vector<ForbiddenCall>& forbiddenCalls() {
   static std::mutex mutex;
   static std::shared_mutex sharedMutex;
-  static void* const memory = std::malloc(8);
+  static void* volatile memory = nullptr;
+  static std::unique_ptr<int> kept;
   static std::vector<ForbiddenCall> calls{
-      {"malloc", false, [] { sink = std::malloc(8); }},
-      {"malloc", false, [] { sink = ::operator new(8); }},
+      {"malloc", false, [] { memory = std::malloc(8); }},
+      {"malloc", false, [] { kept.reset(new int(1)); }},
       {"free", false, [] { std::free(memory); }},
       {"pthread_mutex_lock", true, [] { std::lock_guard lock(mutex); }},
       {"pthread_rwlock_rdlock", true, [] { std::shared_lock lock(sharedMutex); }},
