@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <charconv>
 #include <csignal>
 #include <utility>
 
@@ -54,6 +53,10 @@ void compareSinks(const SinkObject& before, const SinkObject& after, Changes& ch
                   after.dataSource);
   changes.compare(after.id, kAudioDevicePropertyIsHidden, globalScope, before.isHidden,
                   after.isHidden);
+  changes.compare(after.id, kAudioDevicePropertyNominalSampleRate, globalScope, before.sampleRate,
+                  after.sampleRate);
+  changes.compare(after.id, kAudioDevicePropertyBufferFrameSize, globalScope, before.bufferFrames,
+                  after.bufferFrames);
   if (before.volume != after.volume) {
     changes.add(after.id, kAudioHardwareServiceDeviceProperty_VirtualMainVolume, outputScope);
     changes.add(after.id, kAudioDevicePropertyVolumeScalar, outputScope);
@@ -121,7 +124,6 @@ void AudioObjects::updateSinks(const GraphMirror& mirror) {
   std::map<AudioObjectID, SinkObject> kept;
   for (const auto& [nodeId, node] : mirror.nodes()) {
     const std::string& uid = propertyOf(node.properties, "node.name");
-    // A sink without ports can take nothing yet.
     if (node.kind != NodeKind::sink || uid.empty() ||
         uid.starts_with("com.quorvane.mixer.correction")) {
       continue;
@@ -139,22 +141,19 @@ void AudioObjects::updateSinks(const GraphMirror& mirror) {
         sink.name = propertyOf(node.properties, key);
       }
     }
-    std::uint32_t cardId = 0;
-    const std::string& cardText = propertyOf(node.properties, "device.id");
-    std::from_chars(cardText.data(), cardText.data() + cardText.size(), cardId);
+    const std::uint32_t cardId = numberOf(node.properties, "device.id");
     const auto cardEntry = mirror.cards().find(cardId);
-    const CardRecord* card =
-        !cardText.empty() && cardEntry != mirror.cards().end() ? &cardEntry->second : nullptr;
+    const CardRecord* card = cardEntry != mirror.cards().end() ? &cardEntry->second : nullptr;
     const RouteRecord* route = routeOf(node.properties, card);
     sink.transport = transportOf(node.properties, card, route);
     sink.dataSource = dataSourceOf(route);
     sink.isHidden = isHiddenSink(node.properties);
-    const std::string& rate = propertyOf(node.properties, "audio.rate");
-    if (!rate.empty()) {
-      std::uint32_t value = 0;
-      std::from_chars(rate.data(), rate.data() + rate.size(), value);
-      sink.sampleRate = static_cast<float>(value);
+    sink.sampleRate = numberOf(node.properties, "audio.rate");
+    if (sink.sampleRate == 0) {
+      sink.sampleRate = mirror.clockRate();
     }
+    sink.bufferFrames = mirror.clockQuantum();
+    sink.channels = numberOf(node.properties, "audio.channels");
     sink.volume = node.volume;
     if (route != nullptr && !route->volume.channelVolumes.empty()) {
       sink.volume = route->volume;

@@ -24,7 +24,9 @@ struct SinkObject {
   FourCharCode transport = 0;
   std::optional<FourCharCode> dataSource;
   bool isHidden = false;
-  std::optional<float> sampleRate;
+  std::uint32_t sampleRate = 0;    ///< frames per second; 0 = unknown
+  std::uint32_t bufferFrames = 0;  ///< frames per cycle; 0 = unknown
+  std::uint32_t channels = 0;
   std::optional<VolumeState> volume;
 };
 

@@ -2,8 +2,6 @@
 
 #include <pipewire/extensions/metadata.h>
 
-#include <nlohmann/json.hpp>
-#include <string_view>
 #include <utility>
 
 #include "adapters/linux/pipewire/volume_params.h"
@@ -90,16 +88,18 @@ void onCardParam(void* data, int, std::uint32_t id, std::uint32_t index, std::ui
 
 int onMetadataProperty(void* data, std::uint32_t subject, const char* key, const char*,
                        const char* value) {
-  auto& self = Bound<std::string>::from(data);
-  if (subject != PW_ID_CORE || key == nullptr || value == nullptr ||
-      std::string_view(key) != "default.audio.sink") {
+  auto& self = Bound<PropertyMap>::from(data);
+  if (subject != PW_ID_CORE) {
     return 0;
   }
-  const auto json = nlohmann::json::parse(value, nullptr, false);
-  if (json.is_object() && json.contains("name") && json["name"].is_string()) {
-    self.record = json["name"].get<std::string>();
-    self.changed();
+  if (key == nullptr) {
+    self.record.clear();
+  } else if (value == nullptr) {
+    self.record.erase(key);
+  } else {
+    self.record[key] = value;
   }
+  self.changed();
   return 0;
 }
 
@@ -193,14 +193,14 @@ std::unique_ptr<BoundObject> bindCard(pw_registry* registry, std::uint32_t id, C
 }
 
 std::unique_ptr<BoundObject> bindMetadata(pw_registry* registry, std::uint32_t id,
-                                          std::string& defaultSink, RecordChanged changed) {
+                                          PropertyMap& record, RecordChanged changed) {
   static const pw_metadata_events events = [] {
     pw_metadata_events made{};
     made.version = PW_VERSION_METADATA_EVENTS;
     made.property = onMetadataProperty;
     return made;
   }();
-  auto bound = makeBound(registry, id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA, defaultSink,
+  auto bound = makeBound(registry, id, PW_TYPE_INTERFACE_Metadata, PW_VERSION_METADATA, record,
                          std::move(changed));
   if (bound) {
     pw_metadata_add_listener(bound->template as<pw_metadata>(), bound->hook().get(), &events,

@@ -41,9 +41,9 @@ std::unique_ptr<BoundObject> bindLink(pw_registry* registry, std::uint32_t id, L
                                       RecordChanged changed);
 std::unique_ptr<BoundObject> bindCard(pw_registry* registry, std::uint32_t id, CardRecord& record,
                                       RecordChanged changed);
-/// The record is the name of the default sink.
+/// The record holds what is said of the server as a whole.
 std::unique_ptr<BoundObject> bindMetadata(pw_registry* registry, std::uint32_t id,
-                                          std::string& defaultSink, RecordChanged changed);
+                                          PropertyMap& record, RecordChanged changed);
 
 /// Adds all entries, replacing those of the same key. Null is an empty dictionary.
 void mergeProperties(PropertyMap& into, const spa_dict* properties);

@@ -2,7 +2,6 @@
 
 #include <pipewire/extensions/metadata.h>
 
-#include <charconv>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -11,13 +10,6 @@
 namespace plemora {
 
 namespace {
-
-std::uint32_t numberOf(const PropertyMap& properties, const char* key) {
-  const std::string& text = propertyOf(properties, key);
-  std::uint32_t number = 0;
-  std::from_chars(text.data(), text.data() + text.size(), number);
-  return number;
-}
 
 NodeKind kindOf(const std::string& mediaClass) {
   if (mediaClass == "Stream/Output/Audio") {
@@ -126,17 +118,40 @@ void GraphMirror::addLink(std::uint32_t id, const PropertyMap& properties) {
 }
 
 void GraphMirror::addMetadata(std::uint32_t id, const PropertyMap& properties) {
-  if (propertyOf(properties, PW_KEY_METADATA_NAME) != "default") {
-    return;
+  const std::string& name = propertyOf(properties, PW_KEY_METADATA_NAME);
+  if (name == "default") {
+    defaultsId_ = id;
+    bound_[id] = bindMetadata(registry(), id, defaults_, [this] {
+      noteDefaultSink();
+      onChange_();
+    });
+  } else if (name == "settings") {
+    bound_[id] = bindMetadata(registry(), id, settings_, onChange_);
   }
-  bound_[id] = bindMetadata(registry(), id, defaultSink_, onChange_);
-  metadataId_ = id;
+}
+
+void GraphMirror::noteDefaultSink() {
+  const auto json =
+      nlohmann::json::parse(propertyOf(defaults_, "default.audio.sink"), nullptr, false);
+  if (json.is_object() && json.contains("name") && json["name"].is_string()) {
+    defaultSink_ = json["name"].get<std::string>();
+  }
+}
+
+std::uint32_t GraphMirror::clockRate() const {
+  const std::uint32_t forced = numberOf(settings_, "clock.force-rate");
+  return forced != 0 ? forced : numberOf(settings_, "clock.rate");
+}
+
+std::uint32_t GraphMirror::clockQuantum() const {
+  const std::uint32_t forced = numberOf(settings_, "clock.force-quantum");
+  return forced != 0 ? forced : numberOf(settings_, "clock.quantum");
 }
 
 void GraphMirror::removed(std::uint32_t id) {
   bound_.erase(id);
-  if (id == metadataId_) {
-    metadataId_ = 0;
+  if (id == defaultsId_) {
+    defaultsId_ = 0;
   }
   const auto gone = clients_.erase(id) + nodes_.erase(id) + ports_.erase(id) + links_.erase(id) +
                     cards_.erase(id);
@@ -146,7 +161,7 @@ void GraphMirror::removed(std::uint32_t id) {
 }
 
 bool GraphMirror::setDefaultSink(const std::string& nodeName) {
-  const auto metadata = bound_.find(metadataId_);
+  const auto metadata = bound_.find(defaultsId_);
   if (metadata == bound_.end() || !metadata->second) {
     return false;
   }

@@ -30,6 +30,11 @@ class GraphMirror {
   /// "node.name" of the default sink; the last one known while no session manager runs.
   const std::string& defaultSink() const { return defaultSink_; }
 
+  /// Frames per second, and frames per cycle, that the server uses when nothing asks for others;
+  /// 0 while unknown.
+  std::uint32_t clockRate() const;
+  std::uint32_t clockQuantum() const;
+
   /// Whether this program may see other clients' objects and make links.
   bool mayLink() const { return mayLink_; }
 
@@ -46,6 +51,7 @@ class GraphMirror {
   void addLink(std::uint32_t id, const PropertyMap& properties);
   void addPort(std::uint32_t id, const PropertyMap& properties);
   void addMetadata(std::uint32_t id, const PropertyMap& properties);
+  void noteDefaultSink();
   pw_registry* registry() const { return registry_.as<pw_registry>(); }
 
   std::function<void()> onChange_;
@@ -54,6 +60,8 @@ class GraphMirror {
   std::map<std::uint32_t, PortRecord> ports_;
   std::map<std::uint32_t, LinkRecord> links_;
   std::map<std::uint32_t, CardRecord> cards_;
+  PropertyMap defaults_;  ///< metadata of the session manager
+  PropertyMap settings_;  ///< metadata of the server
   std::string defaultSink_;
   bool mayLink_ = false;
   std::uint64_t nextOrder_ = 1;
@@ -61,7 +69,7 @@ class GraphMirror {
   OwnedProxy registry_;
   Hook registryHook_;
   std::map<std::uint32_t, std::unique_ptr<BoundObject>> bound_;
-  std::uint32_t metadataId_ = 0;  ///< in bound_; 0 while no session manager runs
+  std::uint32_t defaultsId_ = 0;  ///< in bound_; 0 while no session manager runs
 };
 
 }  // namespace plemora

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <charconv>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -16,6 +17,14 @@ inline const std::string& propertyOf(const PropertyMap& properties, std::string_
   static const std::string none;
   const auto found = properties.find(key);
   return found == properties.end() ? none : found->second;
+}
+
+/// The number at the start of a property's value, or 0. Ids of the server's objects are never 0.
+inline std::uint32_t numberOf(const PropertyMap& properties, std::string_view key) {
+  const std::string& text = propertyOf(properties, key);
+  std::uint32_t number = 0;
+  std::from_chars(text.data(), text.data() + text.size(), number);
+  return number;
 }
 
 /// Volume and mute as the server holds them: linear factors, one per channel.

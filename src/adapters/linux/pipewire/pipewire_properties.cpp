@@ -1,7 +1,6 @@
 #include "adapters/linux/pipewire/pipewire_properties.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -174,10 +173,8 @@ OSStatus PipeWireProperties::setVolume(const SinkObject& sink, FourCharCode sele
   }
   // The card's route holds the volume of its sinks; a sink without a card holds its own.
   const PropertyMap& properties = mirror->nodes().at(sink.nodeId).properties;
-  const std::string& cardText = propertyOf(properties, "device.id");
-  std::uint32_t cardId = 0;
-  std::from_chars(cardText.data(), cardText.data() + cardText.size(), cardId);
-  const auto card = cardText.empty() ? mirror->cards().end() : mirror->cards().find(cardId);
+  const std::uint32_t cardId = numberOf(properties, "device.id");
+  const auto card = mirror->cards().find(cardId);
   const RouteRecord* route =
       card == mirror->cards().end() ? nullptr : routeOf(properties, &card->second);
   const bool done = route != nullptr && !route->volume.channelVolumes.empty()

@@ -73,7 +73,11 @@ constexpr Row<SinkObject> sinkRows[] = {
      }},
     {kAudioDevicePropertyNominalSampleRate, global,
      [](const SinkObject& sink) -> Value {
-       return sink.sampleRate ? Value(static_cast<double>(*sink.sampleRate)) : std::nullopt;
+       return sink.sampleRate != 0 ? Value(static_cast<double>(sink.sampleRate)) : std::nullopt;
+     }},
+    {kAudioDevicePropertyBufferFrameSize, global,
+     [](const SinkObject& sink) -> Value {
+       return sink.bufferFrames != 0 ? Value(sink.bufferFrames) : std::nullopt;
      }},
     {kAudioHardwareServiceDeviceProperty_VirtualMainVolume, output, sliderValue},
     {kAudioDevicePropertyVolumeScalar, output, sliderValue},
@@ -98,6 +102,19 @@ constexpr Row<AggregateRecord> aggregateRows[] = {
 constexpr Row<TapDescription> tapRows[] = {
     {kAudioObjectPropertyName, global, [](const TapDescription& tap) -> Value { return tap.name; }},
 };
+
+// Taps hand out 32-bit floats, one buffer per channel of the device that the app plays to.
+AudioStreamBasicDescription tapFormat(const SinkObject& source) {
+  AudioStreamBasicDescription format;
+  format.mSampleRate = source.sampleRate;
+  format.mFormatID = fourCharCode("lpcm");
+  format.mFormatFlags = 1u | 8u | 32u;  // float, packed, not interleaved
+  format.mFramesPerPacket = 1;
+  format.mBytesPerFrame = format.mBytesPerPacket = sizeof(float);
+  format.mChannelsPerFrame = source.channels;
+  format.mBitsPerChannel = 32;
+  return format;
+}
 
 template <typename Object, std::size_t count>
 Value readRow(const Row<Object> (&rows)[count], const Object& object,
@@ -132,10 +149,18 @@ std::optional<PropertyValue> readProperty(const AudioObjects& objects, const Pri
     return readRow(processRows, process->second, address);
   }
   if (const auto device = own.aggregates.find(object); device != own.aggregates.end()) {
-    return readRow(aggregateRows, device->second, address);
+    // An aggregate device runs in the cycle of its main device.
+    const SinkObject* main = objects.sinkOfUid(device->second.description.mainUID);
+    const bool isClock = address.mSelector == kAudioDevicePropertyNominalSampleRate ||
+                         address.mSelector == kAudioDevicePropertyBufferFrameSize;
+    return isClock && main != nullptr ? readRow(sinkRows, *main, address)
+                                      : readRow(aggregateRows, device->second, address);
   }
   if (const auto tap = own.taps.find(object); tap != own.taps.end()) {
-    return readRow(tapRows, tap->second, address);
+    const SinkObject* source = objects.sinkOfUid(tap->second.deviceUID);
+    return address.mSelector == kAudioTapPropertyFormat && source != nullptr
+               ? Value(tapFormat(*source))
+               : readRow(tapRows, tap->second, address);
   }
   return std::nullopt;
 }
