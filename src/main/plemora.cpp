@@ -89,7 +89,6 @@ Exit runEngine(QDBusConnection& bus, const std::vector<std::string>& arguments) 
   }
   const EndingSignals ending([] { QCoreApplication::quit(); });
   QCoreApplication::exec();
-  logger.info("ending; every app is back on its usual path");
   return success;
 }
 
@@ -108,7 +107,9 @@ Exit run(const std::vector<std::string>& arguments) {
     }
     logger.warning("no lock file (" + lock.problem() + "); the session bus alone tells instances");
   }
-  return runEngine(bus, arguments);
+  const Exit result = runEngine(bus, arguments);
+  logger.info("ended; every app is back on its usual path");
+  return result;
 }
 
 }  // namespace

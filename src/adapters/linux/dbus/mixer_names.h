@@ -12,6 +12,5 @@ inline constexpr char unknownAppError[] = "com.quorvane.mixer.Error.UnknownApp";
 inline constexpr char unknownDeviceError[] = "com.quorvane.mixer.Error.UnknownDevice";
 inline constexpr char invalidValueError[] = "com.quorvane.mixer.Error.InvalidValue";
 inline constexpr char noVolumeError[] = "com.quorvane.mixer.Error.NoVolume";
-inline constexpr char failedError[] = "com.quorvane.mixer.Error.Failed";
 
 }  // namespace plemora
