@@ -78,7 +78,7 @@ loop 0 pw-play "$tones/pulse.wav"
 loop 4 paplay "$tones/rain.wav"
 AUDIODRIVER=pulseaudio pipewire_session_spawn play -q -n -r 48000 -c 2 synth sine 440 gain -6
 
-echo "Starting Plemora as a service: plemora --no-ui $*"
+echo "Starting Plemora as a service: plemora --no-ui${*:+ $*}"
 pipewire_session_spawn "$bin/plemora" --no-ui "$@"
 service=$!
 if ! attempt "$bin/plemoractl" volume mpv 60%; then
