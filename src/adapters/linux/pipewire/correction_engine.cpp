@@ -70,7 +70,7 @@ void CorrectionEngine::reconcile(const GraphMirror& mirror, const AudioObjects& 
   filters_.update(mirror);
   claimStreams(mirror, objects, now);
   judgePlacements(mirror, now);
-  placeNewStreams(now);
+  placeNewStreams(mirror, now);
   installPlans();
   changeOver(mirror, now);
   removeFaded(mirror, now);
@@ -157,7 +157,7 @@ void CorrectionEngine::judgePlacements(const GraphMirror& mirror, double now) {
   }
 }
 
-void CorrectionEngine::placeNewStreams(double now) {
+void CorrectionEngine::placeNewStreams(const GraphMirror& mirror, double now) {
   for (const auto& [stream, claim] : claims_) {
     const Correction& correction = corrections_.at(claim.correction);
     const bool isPlaced =
@@ -169,6 +169,7 @@ void CorrectionEngine::placeNewStreams(double now) {
     }
     if (const FilterSlot slot = filters_.take(correction.sinks, now)) {
       placements_.emplace_back(claim.correction, stream, claim.home, slot);
+      placements_.back().follow(directLinks(mirror, stream, claim.home), claim.isRunning);
       changedFilters_.insert(slot.filter);
     }
   }

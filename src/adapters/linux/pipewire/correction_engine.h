@@ -61,7 +61,7 @@ class CorrectionEngine {
   void span(const GraphMirror& mirror, const AudioObjects& objects, Id id, Correction& correction);
   bool isWanted(const Placement& placement) const;
   void judgePlacements(const GraphMirror& mirror, double now);
-  void placeNewStreams(double now);
+  void placeNewStreams(const GraphMirror& mirror, double now);
   void changeOver(const GraphMirror& mirror, double now);
   void removeFaded(const GraphMirror& mirror, double now);
   void installPlans();
