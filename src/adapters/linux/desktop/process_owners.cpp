@@ -66,13 +66,20 @@ const ProcessOwner* ProcessOwners::find(std::int32_t pid) {
     return nullptr;
   }
   const std::int32_t outermost = found->owner.mainPid;
-  if (const auto at = records_.find(outermost); at != records_.end() && at->second->isStray) {
-    if (!std::exchange(at->second->soughtMain, true)) {
-      seekMain(outermost);
-    }
-    setMain(*records_.at(pid), records_.at(outermost)->owner.mainPid);
+  if (const auto at = records_.find(outermost);
+      at != records_.end() && at->second->isStray && !at->second->soughtMain) {
+    at->second->soughtMain = true;
+    seekMain(outermost);
   }
-  Record& record = *records_.at(pid);
+  // Looking around may have found that either has ended meanwhile.
+  const auto own = records_.find(pid);
+  if (own == records_.end()) {
+    return nullptr;
+  }
+  Record& record = *own->second;
+  if (const auto at = records_.find(outermost); at != records_.end() && at->second->isStray) {
+    setMain(record, at->second->owner.mainPid);
+  }
   record.wasAsked = true;
   return &record.owner;
 }
