@@ -229,10 +229,14 @@ class TapCycle {
 
 }  // namespace
 
-CorrectionScratch::CorrectionScratch()
-    : samples_(std::make_unique_for_overwrite<float[]>(std::size_t{2} * maxCorrectionChannels *
-                                                       maxFrames)),
-      silence_(maxFrames, 0.0f) {}
+CorrectionScratch::CorrectionScratch() : silence_(maxFrames, 0.0f) {
+  constexpr std::size_t cacheLine = 64;
+  constexpr std::size_t count = std::size_t{2} * maxCorrectionChannels * stride;
+  std::size_t room = count * sizeof(float) + cacheLine;
+  samples_ = std::make_unique_for_overwrite<float[]>(room / sizeof(float));
+  void* start = samples_.get();
+  first_ = static_cast<float*>(std::align(cacheLine, count * sizeof(float), start, room));
+}
 
 void renderCorrections(const CorrectionPlan& plan, const std::vector<std::uint32_t>& groupChannels,
                        std::uint32_t frames, CorrectionPorts& ports, CorrectionScratch& scratch) {
