@@ -20,7 +20,6 @@ MixerModel::MixerModel(MixerServices services)
                                     .hideReal = demo_.config() && demo_.config()->hideDevices};
                }),
       audioPermission_(services_.consent, services_.mainQueue),
-      scanner_(services_.properties, services_.mainQueue, services_.workspace, services_.processID),
       store_(services_.defaults),
       levels_(store_.load()),
       taps_(services_,
@@ -36,8 +35,10 @@ MixerModel::MixerModel(MixerServices services)
     demoChannels_ = demo_.channels();
     publish();
   } else {
-    scanner_.onChange = [this](const std::vector<AudioApp>& apps) { update(apps); };
-    scanner_.scan();
+    scanner_.emplace(services_.properties, services_.mainQueue, services_.workspace,
+                     services_.processID);
+    scanner_->onChange = [this](const std::vector<AudioApp>& apps) { update(apps); };
+    scanner_->scan();
   }
   observeOutputs();
   if (std::ranges::find(services_.arguments, "--log-levels") != services_.arguments.end()) {

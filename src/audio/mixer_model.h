@@ -96,7 +96,7 @@ class MixerModel {
   DemoMode demo_;
   OutputDevices outputs_;
   AudioPermission audioPermission_;
-  AudioAppScanner scanner_;
+  std::optional<AudioAppScanner> scanner_;  // none in demo mode
   std::map<std::string, AudioApp> apps_;
   std::map<std::string, WallTime> lastHeard_;
   AppLevels store_;
