@@ -27,7 +27,8 @@ inline constexpr OSStatus kAudioHardwareUnsupportedOperationError = fourCharCode
 // The system object.
 inline constexpr FourCharCode kAudioHardwarePropertyDevices = fourCharCode("dev#");
 inline constexpr FourCharCode kAudioHardwarePropertyDefaultOutputDevice = fourCharCode("dOut");
-inline constexpr FourCharCode kAudioHardwarePropertyDefaultSystemOutputDevice = fourCharCode("sOut");
+inline constexpr FourCharCode kAudioHardwarePropertyDefaultSystemOutputDevice =
+    fourCharCode("sOut");
 inline constexpr FourCharCode kAudioHardwarePropertyProcessObjectList = fourCharCode("prs#");
 
 // Any object.
@@ -53,10 +54,12 @@ inline constexpr FourCharCode kAudioDevicePropertyLatency = fourCharCode("ltnc")
 inline constexpr FourCharCode kAudioDevicePropertySafetyOffset = fourCharCode("saft");
 inline constexpr FourCharCode kAudioDevicePropertyIOProcStreamUsage = fourCharCode("suse");
 /// Perceptual master volume, Float32 0...1, output scope (audio hardware service).
-inline constexpr FourCharCode kAudioHardwareServiceDeviceProperty_VirtualMainVolume = fourCharCode("vmvc");
+inline constexpr FourCharCode kAudioHardwareServiceDeviceProperty_VirtualMainVolume =
+    fourCharCode("vmvc");
 
 // Aggregate devices.
-inline constexpr FourCharCode kAudioAggregateDevicePropertyActiveSubDeviceList = fourCharCode("agrp");
+inline constexpr FourCharCode kAudioAggregateDevicePropertyActiveSubDeviceList =
+    fourCharCode("agrp");
 inline constexpr FourCharCode kAudioAggregateDevicePropertyMainSubDevice = fourCharCode("amst");
 
 // Taps.

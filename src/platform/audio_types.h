@@ -6,8 +6,9 @@
 #include "base/four_char_code.h"
 
 // The vocabulary of the audio hardware layer (HAL). Names, layouts and codes are those of the
-// public Core Audio interface (CoreAudio/AudioHardwareBase.h, AudioHardware.h, CoreAudioBaseTypes.h),
-// so that the macOS adapter passes them through; the other adapters speak them too.
+// public Core Audio interface (CoreAudio/AudioHardwareBase.h, AudioHardware.h,
+// CoreAudioBaseTypes.h), so that the macOS adapter passes them through; the other adapters speak
+// them too.
 
 namespace plemora {
 
