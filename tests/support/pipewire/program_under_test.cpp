@@ -94,10 +94,14 @@ std::vector<AppRow> ProgramUnderTest::apps() {
     return value.is_string() ? value.get<std::string>() : std::string();
   };
   std::vector<AppRow> rows;
-  for (const auto& row : nlohmann::json::parse(must({"list", "--json"}))) {
-    rows.push_back({textOf(row.at("id")), textOf(row.at("name")), row.at("playing").get<bool>(),
-                    row.at("volume").get<double>(), row.at("muted").get<bool>(),
-                    textOf(row.at("output")), row.at("routed").get<bool>()});
+  const auto result = control({"list", "--json"});
+  // While the sound server is away there are none.
+  if (result.status == 0) {
+    for (const auto& row : nlohmann::json::parse(result.output)) {
+      rows.push_back({textOf(row.at("id")), textOf(row.at("name")), row.at("playing").get<bool>(),
+                      row.at("volume").get<double>(), row.at("muted").get<bool>(),
+                      textOf(row.at("output")), row.at("routed").get<bool>()});
+    }
   }
   return rows;
 }
@@ -106,7 +110,7 @@ std::optional<AppRow> ProgramUnderTest::waitForApp(const std::string& name, doub
   std::optional<AppRow> found;
   eventually(seconds, [&] {
     for (const auto& row : apps()) {
-      if (row.name == name && row.playing) {
+      if ((row.name == name || row.id == name) && row.playing) {
         found = row;
       }
     }
@@ -124,7 +128,7 @@ std::size_t ProgramUnderTest::threads() const {
 }
 
 std::size_t ProgramUnderTest::residentKiB() const {
-  return statusNumber(procPath(process_->pid(), "status"), "VmRSS");
+  return residentKiBOf(process_->pid());
 }
 
 std::size_t ProgramUnderTest::wakeUps() const {
@@ -133,6 +137,10 @@ std::size_t ProgramUnderTest::wakeUps() const {
     sum += statusNumber(task.path() / "status", "voluntary_ctxt_switches");
   }
   return sum;
+}
+
+std::size_t residentKiBOf(pid_t pid) {
+  return statusNumber(procPath(pid, "status"), "VmRSS");
 }
 
 double cpuMilliseconds(pid_t pid) {

@@ -43,7 +43,7 @@ class ProgramUnderTest {
   std::string must(const std::vector<std::string>& arguments);
 
   std::vector<AppRow> apps();
-  /// Waits for a row of the app of that name that plays; none when there is none in time.
+  /// Waits for a row of the app of that name or id that plays; none when there is none in time.
   std::optional<AppRow> waitForApp(const std::string& name, double seconds = 5);
 
   /// What the kernel says of the process: open files, threads, resident KiB, and how often its
@@ -59,6 +59,8 @@ class ProgramUnderTest {
   std::unique_ptr<ChildProcess> process_;
 };
 
+/// Resident memory of the process.
+std::size_t residentKiBOf(pid_t pid);
 /// Milliseconds of CPU time that the process has used.
 double cpuMilliseconds(pid_t pid);
 

@@ -36,6 +36,7 @@ struct SinkRecorder::Impl {
   std::atomic<int> gaps{0};
   std::atomic<unsigned> rate{48000};
   std::atomic<std::uint64_t> expected{0};
+  std::atomic<std::uint64_t> origin{0};  // position of the clock at count 0
   std::size_t start = 0;
 
   static void onProcess(void* data, spa_io_position* position) {
@@ -51,6 +52,7 @@ struct SinkRecorder::Impl {
       self->gaps.fetch_add(1, std::memory_order_relaxed);
     }
     self->expected.store(clock.position + frames, std::memory_order_relaxed);
+    self->origin.store(clock.position - at, std::memory_order_relaxed);
     self->rate.store(clock.rate.denom, std::memory_order_relaxed);
     for (std::size_t channel = 0; channel < self->ports.size(); ++channel) {
       float* to = self->samples[channel].data() + at;
@@ -84,7 +86,7 @@ SinkRecorder::SinkRecorder(PrivateSession& session, const std::string& sink, dou
   }
   std::vector<std::string> channels;
   for (const auto& port : session.graph().ports(found->id)) {
-    if (port.isMonitor) {
+    if (!port.isInput) {
       channels.push_back(port.channel);
     }
   }
@@ -131,7 +133,7 @@ void SinkRecorder::attach() {
     if (own && sink) {
       inputs = graph.ports(own->id);
       for (const auto& port : graph.ports(sink->id)) {
-        if (port.isMonitor) {
+        if (!port.isInput) {
           outputs.push_back(port);
         }
       }
@@ -179,6 +181,7 @@ bool SinkRecorder::record(std::size_t more) {
 Recording SinkRecorder::take() {
   Recording result;
   result.frames = frames();
+  result.position = impl_->origin.load(std::memory_order_relaxed) + impl_->start;
   result.gaps = impl_->gaps.load(std::memory_order_relaxed);
   for (const auto& channel : impl_->samples) {
     const auto begin = channel.begin() + static_cast<std::ptrdiff_t>(impl_->start);

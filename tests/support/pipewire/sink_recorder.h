@@ -15,13 +15,15 @@ class PrivateSession;
 struct Recording {
   std::vector<Channel> channels;
   std::size_t frames = 0;
+  std::uint64_t position = 0;  ///< of the first frame, on the clock of the driver of the graph
   int gaps = 0;  ///< cycles that the graph's clock skipped or gave twice: a disturbed measurement
 
   const Channel& operator[](std::size_t channel) const { return channels.at(channel); }
 };
 
 /// Records what a sink plays, sample by sample as its mixer made it, from inside the same graph
-/// cycle. The sink runs while something records it. Several may record one sink.
+/// cycle; or what a player's stream puts out, when it is given the name of that. What is recorded
+/// runs for it. Several may record one sink.
 class SinkRecorder {
  public:
   /// Waits until the first cycle has been recorded. Throws std::runtime_error when none comes.
