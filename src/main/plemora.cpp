@@ -74,6 +74,8 @@ void logActivation(const std::vector<std::string>& arguments) {
 }
 
 Exit runEngine(QDBusConnection& bus, const std::vector<std::string>& arguments) {
+  // First of all: whoever sees the program on the bus may end it at once, and in order.
+  const EndingSignals ending([] { QCoreApplication::quit(); });
   LinuxProgram program(arguments, PLEMORA_VERSION);
   std::optional<MixerAdaptor> adaptor;
   if (bus.isConnected()) {
@@ -87,7 +89,6 @@ Exit runEngine(QDBusConnection& bus, const std::vector<std::string>& arguments) 
     logger.warning("no session bus (" + bus.lastError().message().toStdString() +
                    "): plemoractl cannot reach this instance");
   }
-  const EndingSignals ending([] { QCoreApplication::quit(); });
   QCoreApplication::exec();
   return success;
 }

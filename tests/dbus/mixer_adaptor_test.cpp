@@ -8,8 +8,8 @@
 #include <map>
 
 #include "adapters/linux/dbus/bus_types.h"
-#include "mixer_on_bus.h"
-#include "signal_keeper.h"
+#include "dbus/mixer_on_bus.h"
+#include "dbus/signal_keeper.h"
 
 namespace plemora {
 namespace {

@@ -10,7 +10,7 @@
 #include "adapters/linux/dbus/mixer_adaptor.h"
 #include "adapters/linux/dbus/mixer_names.h"
 #include "audio/audio_world.h"
-#include "private_bus.h"
+#include "dbus/private_bus.h"
 
 namespace plemora {
 

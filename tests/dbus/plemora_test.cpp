@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "adapters/linux/dbus/mixer_names.h"
-#include "private_bus.h"
+#include "dbus/private_bus.h"
 
 namespace plemora {
 namespace {
@@ -43,7 +43,7 @@ class PlemoraTest : public testing::Test {
 
   /// The exit status; -1 for one that a signal killed, -2 for one that does not end.
   static int statusOf(QProcess& process) {
-    if (!process.waitForFinished(10000)) {
+    if (process.state() != QProcess::NotRunning && !process.waitForFinished(10000)) {
       return -2;
     }
     return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
@@ -162,9 +162,9 @@ TEST_F(PlemoraTest, ADemonstrationIsControlledLikeTheRealThing) {
                              R"({"apps":[{"bundle":"demo.player","volume":0.4,"playing":true,)"
                              R"("muted":true}],"extraDevices":[{"name":"AirPods","kind":"bt"}]})"});
   const auto ctl = [&](const QStringList& arguments) {
-    Process ctl = start(PLEMORACTL, arguments, bus.environment());
-    EXPECT_EQ(statusOf(*ctl), 0) << ctl->readAllStandardError().toStdString();
-    return ctl->readAllStandardOutput().toStdString();
+    Process run = start(PLEMORACTL, arguments, bus.environment());
+    EXPECT_EQ(statusOf(*run), 0) << run->readAllStandardError().toStdString();
+    return run->readAllStandardOutput().toStdString();
   };
   EXPECT_THAT(ctl({"list"}),
               HasSubstr("demo.player  yes         40%  muted  default  demo.player"));

@@ -6,7 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "mixer_on_bus.h"
+#include "dbus/mixer_on_bus.h"
 
 namespace plemora {
 namespace {
