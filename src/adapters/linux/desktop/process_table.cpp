@@ -19,7 +19,7 @@ constexpr std::size_t mostText = 4 << 20;
 constexpr std::string_view deletedSuffix = " (deleted)";
 
 /// Plain calls: a scan reads thousands of these files, and none needs a stream's buffer.
-std::string readText(const std::string& file) {
+std::string readText(const std::string& file, bool inOneRead = false) {
   const int descriptor = open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) {
     return {};
@@ -29,6 +29,9 @@ std::string readText(const std::string& file) {
   ssize_t count = 0;
   while (text.size() < mostText && (count = read(descriptor, buffer, sizeof buffer)) > 0) {
     text.append(buffer, static_cast<std::size_t>(count));
+    if (inOneRead) {
+      break;
+    }
   }
   close(descriptor);
   return text;
@@ -73,7 +76,7 @@ std::string ProcessTable::path(std::int32_t pid, const char* file) const {
 }
 
 std::optional<ProcessStatus> ProcessTable::status(std::int32_t pid) const {
-  const std::string text = readText(path(pid, "stat"));
+  const std::string text = readText(path(pid, "stat"), true);  // one short record
   // "PID (name) state parent ...": the name may hold blanks and brackets.
   const std::size_t open = text.find('(');
   const std::size_t close = text.rfind(')');
