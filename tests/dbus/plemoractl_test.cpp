@@ -163,6 +163,7 @@ TEST_F(PlemoractlTest, WatchPrintsALinePerChangeIntoAPipe) {
     });
   };
   ASSERT_TRUE(printed("mpv Media Player (mpv): new")) << watch.readAllStandardError().toStdString();
+  EXPECT_FALSE(out.contains("->")) << "nothing has changed yet";
   service->setAppVolume("mpv", 0.4);
   EXPECT_TRUE(printed("mpv Media Player (mpv): volume 100% -> 40%\n"));
   service->setDefaultDevice("usb");

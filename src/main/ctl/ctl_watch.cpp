@@ -95,10 +95,14 @@ bool watchLines(MixerClient& client) {
     std::fflush(stdout);
     last = state;
   };
-  report(client.watch({report, {}, [&] {
-                         mixerEnded = true;
-                         QCoreApplication::quit();
-                       }}));
+  const MixerState now = client.watch({report, {}, [&] {
+                                         mixerEnded = true;
+                                         QCoreApplication::quit();
+                                       }});
+  // At first the apps alone: that devices are there is no change.
+  last = now;
+  last.apps.clear();
+  report(now);
   return runUntilEnd(mixerEnded);
 }
 
