@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <algorithm>
 #include <chrono>
 #include <clocale>
 #include <csignal>
@@ -69,6 +70,8 @@ void logActivation(const std::vector<std::string>& arguments) {
   for (const std::string& argument : arguments) {
     words += " " + argument;
   }
+  // A message is one line; a demo configuration may hold more.
+  std::replace(words.begin(), words.end(), '\n', ' ');
   logger.notice("started again" + (words.empty() ? "" : " with" + words) +
                 "; this instance goes on, without a window");
 }
