@@ -59,6 +59,16 @@ function(plemora_test target)
   if(ARG_LABELS)
     list(APPEND properties LABELS "${ARG_LABELS}")
   endif()
+  if(PLEMORA_SANITIZE MATCHES "address")
+    list(APPEND properties ENVIRONMENT
+      "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
+  elseif(PLEMORA_SANITIZE MATCHES "thread")
+    # Qt, libdbus and libpipewire are not instrumented: what they lock and hand over is invisible to
+    # the sanitizer.
+    set(options "ignore_noninstrumented_modules=1:print_suppressions=0")
+    list(APPEND properties ENVIRONMENT
+      "TSAN_OPTIONS=${options}:suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp")
+  endif()
   gtest_discover_tests(${target} TEST_PREFIX "${PLEMORA_TEST_PREFIX}" DISCOVERY_TIMEOUT 60
     PROPERTIES ${properties})
 endfunction()

@@ -75,6 +75,33 @@ GainTrack gainTrack(const Recording& recording, unsigned channel, double firstGa
   return track;
 }
 
+GainTrack gainTrack(const Recording& recording, const Recording& source, unsigned channel,
+                    double firstGain) {
+  GainTrack track;
+  const auto sent = [&](std::uint64_t position) -> const float* {
+    const bool isHeld = position >= source.position && position < source.position + source.frames;
+    return isHeld ? &source[channel][position - source.position] : nullptr;
+  };
+  for (std::size_t i = 0; i < recording.frames; ++i) {
+    const auto position = recording.position + i;
+    const float heard = recording[channel][i];
+    if (track.gains.empty()) {
+      const auto number = identityFrame(heard, channel, firstGain);
+      const float* now = sent(position);
+      if (number < 0 || now == nullptr) {
+        continue;
+      }
+      track.firstFrame = number;
+      track.delay = identityFrame(*now, channel) - number;
+    }
+    if (const float* then = sent(position - static_cast<std::uint64_t>(track.delay))) {
+      track.gains.push_back(*then == 0 ? (heard == 0 ? 1.0 : -1.0)
+                                       : static_cast<double>(heard) / static_cast<double>(*then));
+    }
+  }
+  return track;
+}
+
 double largestDifference(const GainTrack& a, const GainTrack& b) {
   double largest = 0;
   for (std::size_t i = 0; i < std::min(a.gains.size(), b.gains.size()); ++i) {

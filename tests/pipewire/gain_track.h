@@ -13,6 +13,7 @@ namespace plemora::rig {
 struct GainTrack {
   std::int64_t firstFrame = -1;  ///< number of the frame recorded first; -1: not recognised
   std::vector<double> gains;
+  std::int64_t delay = 0;  ///< frames from the source, where one was given
 
   /// Number of frames whose gain is none of the given ones (within 1e-6).
   std::size_t framesOff(const std::vector<double>& expected) const;
@@ -26,6 +27,12 @@ struct GainTrack {
 
 /// The recording must begin at the given gain.
 GainTrack gainTrack(const Recording& recording, unsigned channel, double firstGain = 1);
+
+/// As above, against what left the app by the same clock, so that a player that stumbles does not
+/// count. Both recorded on one driver; only frames that both hold are taken. How late the first one
+/// is heard, every one has to be: a sink's monitor is itself a cycle behind.
+GainTrack gainTrack(const Recording& recording, const Recording& source, unsigned channel,
+                    double firstGain = 1);
 
 /// Largest difference of the gains of two channels at one frame.
 double largestDifference(const GainTrack& a, const GainTrack& b);

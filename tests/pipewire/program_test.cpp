@@ -110,22 +110,23 @@ using KilledProgram = ProgramAt256;
 
 TEST_F(KilledProgram, LeavesTheDirectPathWithoutLosingASample) {
   const auto tone = play({.signal = Signal::identity()});
-  SinkRecorder recorder(session, "first");
+  SinkRecorder source(session, "tone");
+  SinkRecorder sink(session, "first");
   plemora->must({"volume", "tone", "50%"});
-  ASSERT_TRUE(hearsGain(recorder, 0.25));
   for (int round = 0; round < 3; ++round) {
-    ASSERT_TRUE(hearsGain(recorder, 0.25)) << "the level did not survive";
-    recorder.clear();
-    ASSERT_TRUE(recorder.record(4800));
+    ASSERT_TRUE(hearsGain(sink, 0.25)) << "the level did not survive";
+    source.clear();
+    sink.clear();
+    ASSERT_TRUE(sink.record(4800));
     plemora->process().kill();
-    ASSERT_TRUE(recorder.record(24000));
-    const auto heard = recorder.take();
-    const auto track = gainTrack(heard, 0, 0.25);
-    EXPECT_EQ(heard.gaps, 0);
+    ASSERT_TRUE(sink.record(24000));
+    const auto heard = sink.take();
+    const auto sent = source.take();
+    const auto track = gainTrack(heard, sent, 0, 0.25);
+    EXPECT_EQ(heard.gaps + sent.gaps, 0);
     EXPECT_NEAR(track.last(), 1, 1e-9) << track.text();
-    const auto off = track.framesOff({0.25, 1});
     std::printf("kill -9: %s\n", track.text().c_str());
-    EXPECT_EQ(off, 0u);
+    EXPECT_EQ(track.framesOff({0.25, 1}), 0u);
     plemora->start();
     ASSERT_TRUE(plemora->waitForApp("tone"));
   }
@@ -158,34 +159,40 @@ TEST_F(KilledProgram, BringsARoutedAppBackToItsOwnSink) {
 
 TEST_F(KilledProgram, StoppedByASignalItDoesNotStopTheSound) {
   const auto tone = play({.signal = Signal::identity()});
-  SinkRecorder recorder(session, "first");
+  SinkRecorder source(session, "tone");
+  SinkRecorder sink(session, "first");
   plemora->must({"volume", "tone", "50%"});
-  ASSERT_TRUE(hearsGain(recorder, 0.25));
-  recorder.clear();
-  ASSERT_TRUE(recorder.record(4800));
+  ASSERT_TRUE(hearsGain(sink, 0.25));
+  source.clear();
+  sink.clear();
+  ASSERT_TRUE(sink.record(4800));
   plemora->process().signal(SIGSTOP);
-  ASSERT_TRUE(recorder.record(24000));
+  ASSERT_TRUE(sink.record(24000));
   plemora->process().signal(SIGCONT);
-  ASSERT_TRUE(recorder.record(24000));
-  const auto heard = recorder.take();
-  const auto track = gainTrack(heard, 0, 0.25);
+  ASSERT_TRUE(sink.record(24000));
+  const auto heard = sink.take();
+  const auto sent = source.take();
+  const auto track = gainTrack(heard, sent, 0, 0.25);
   std::printf("SIGSTOP, SIGCONT: %s\n", track.text().c_str());
-  EXPECT_EQ(heard.gaps, 0);
+  EXPECT_EQ(heard.gaps + sent.gaps, 0);
   EXPECT_EQ(track.framesOff({0.25, 1}), 0u) << "no frame may be lost";
-  EXPECT_TRUE(hearsGain(recorder, 0.25));
+  EXPECT_TRUE(hearsGain(sink, 0.25));
 }
 
 TEST_F(Program, EndingRestoresTheDirectPathSampleExactly) {
   const auto tone = play({.signal = Signal::identity()});
+  SinkRecorder source(session, "tone");
   SinkRecorder recorder(session, "first");
   plemora->must({"volume", "tone", "50%"});
   ASSERT_TRUE(hearsGain(recorder, 0.25));
+  source.clear();
   recorder.clear();
   ASSERT_TRUE(recorder.record(4800));
   plemora->process().signal(SIGTERM);
   EXPECT_EQ(plemora->process().wait(5), 0);
   ASSERT_TRUE(recorder.record(9600));
-  const auto track = gainTrack(recorder.take(), 0, 0.25);
+  const auto heard = recorder.take();
+  const auto track = gainTrack(heard, source.take(), 0, 0.25);
   EXPECT_LE(track.framesOff({0.25, 1}), 1024u) << track.text();
   EXPECT_NEAR(track.last(), 1, 1e-9) << track.text();
 }
@@ -284,7 +291,7 @@ TEST_F(Program, AnAppIsListedSoonAfterItsFirstSoundAndDoesNotSplit) {
     ASSERT_TRUE(plemora->waitForApp(name));
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - started;
     std::printf("listed %.0f ms after its first sound\n", took.count() * 1000);
-    EXPECT_LT(took.count(), 0.3);
+    EXPECT_LT(took.count(), isSanitized ? 1.0 : 0.3);
     std::size_t rows = 0;
     for (const auto& row : plemora->apps()) {
       rows += row.name == name ? 1u : 0u;

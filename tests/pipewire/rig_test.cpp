@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "pipewire/gain_track.h"
 #include "support/pipewire/player.h"
 #include "support/pipewire/private_session.h"
 #include "support/pipewire/sink_recorder.h"
@@ -36,6 +37,21 @@ TEST(Rig, RecordsAnAppSampleBySampleOnItsSinkAndNothingOnTheOther) {
   }
   ASSERT_GT(elsewhere.frames, 20000u);
   EXPECT_EQ(peak(elsewhere[0]), 0);
+}
+
+TEST(Rig, HearsAtTheSinkACycleLaterWhatLeavesTheApp) {
+  PrivateSession session;
+  session.createSinks(256);
+  TonePlayer tone(session, {.signal = Signal::identity()});
+  ASSERT_TRUE(session.waitForLink("tone", "first"));
+  SinkRecorder source(session, "tone");
+  SinkRecorder sink(session, "first");
+  ASSERT_TRUE(sink.record(9600));
+  const auto heard = sink.take();
+  const auto track = gainTrack(heard, source.take(), 1);
+  EXPECT_GT(track.gains.size(), 9000u);
+  EXPECT_EQ(track.framesOff({1}), 0u) << track.text();
+  EXPECT_EQ(track.delay, 256);
 }
 
 TEST(Rig, RecordsEachPlayerAtFullAmplitude) {

@@ -86,17 +86,24 @@ bool GraphView::sinksAreReady() {
   return true;
 }
 
-void GraphView::link(std::uint32_t outputPort, std::uint32_t inputPort, bool passive) {
+int GraphView::link(std::uint32_t outputPort, std::uint32_t inputPort, bool passive) {
   const LoopLock lock(impl_->loop);
   const std::string output = std::to_string(outputPort);
   const std::string input = std::to_string(inputPort);
   auto* properties =
       pw_properties_new(PW_KEY_LINK_OUTPUT_PORT, output.c_str(), PW_KEY_LINK_INPUT_PORT,
                         input.c_str(), PW_KEY_LINK_PASSIVE, passive ? "true" : "false", nullptr);
-  // The proxy is the connection's: the link goes with it.
-  pw_core_create_object(impl_->core, "link-factory", PW_TYPE_INTERFACE_Link, PW_VERSION_LINK,
-                        &properties->dict, 0);
+  const int handle = impl_->madeLinks.empty() ? 1 : impl_->madeLinks.rbegin()->first + 1;
+  impl_->madeLinks[handle] = static_cast<pw_proxy*>(pw_core_create_object(
+      impl_->core, "link-factory", PW_TYPE_INTERFACE_Link, PW_VERSION_LINK, &properties->dict, 0));
   pw_properties_free(properties);
+  return handle;
+}
+
+void GraphView::unlink(int link) {
+  const LoopLock lock(impl_->loop);
+  pw_proxy_destroy(impl_->madeLinks.at(link));
+  impl_->madeLinks.erase(link);
 }
 
 void GraphView::setMetadata(const std::string& object, std::uint32_t subject,

@@ -65,6 +65,7 @@ struct GraphView::Impl {
   bool lost = false;
   std::map<std::uint32_t, std::unique_ptr<Object>> objects;
   std::map<std::string, Sink> sinks;
+  std::map<int, pw_proxy*> madeLinks;
 };
 
 }  // namespace plemora::rig

@@ -82,8 +82,10 @@ class GraphView {
   void recreateSinks();
   /// Whether every sink made here has its ports.
   bool sinksAreReady();
-  /// Links a port to another and keeps the link until the two are gone or this object is.
-  void link(std::uint32_t outputPort, std::uint32_t inputPort, bool passive = false);
+  /// Links a port to another, until unlink is called with the result, one of the two goes, or this
+  /// object does.
+  int link(std::uint32_t outputPort, std::uint32_t inputPort, bool passive = false);
+  void unlink(int link);
   void setMetadata(const std::string& object, std::uint32_t subject, const std::string& key,
                    const std::string& type, const std::string& value);
   /// Sets the `Props` of a node: its volume on the linear scale and mute.

@@ -59,6 +59,13 @@ class ProgramUnderTest {
   std::unique_ptr<ChildProcess> process_;
 };
 
+/// Whether this build carries a sanitizer, whose memory and time are its own.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool isSanitized = true;
+#else
+inline constexpr bool isSanitized = false;
+#endif
+
 /// Resident memory of the process.
 std::size_t residentKiBOf(pid_t pid);
 /// Milliseconds of CPU time that the process has used.

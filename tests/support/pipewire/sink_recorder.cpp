@@ -34,6 +34,7 @@ struct SinkRecorder::Impl {
   std::vector<Channel> samples;
   std::atomic<std::size_t> count{0};
   std::atomic<int> gaps{0};
+  std::atomic<bool> isComplete{false};  // the last cycle brought every channel
   std::atomic<unsigned> rate{48000};
   std::atomic<std::uint64_t> expected{0};
   std::atomic<std::uint64_t> origin{0};  // position of the clock at count 0
@@ -54,14 +55,17 @@ struct SinkRecorder::Impl {
     self->expected.store(clock.position + frames, std::memory_order_relaxed);
     self->origin.store(clock.position - at, std::memory_order_relaxed);
     self->rate.store(clock.rate.denom, std::memory_order_relaxed);
+    bool complete = true;
     for (std::size_t channel = 0; channel < self->ports.size(); ++channel) {
       float* to = self->samples[channel].data() + at;
       if (const void* from = pw_filter_get_dsp_buffer(self->ports[channel], frames)) {
         std::memcpy(to, from, frames * sizeof(float));
       } else {
         std::fill_n(to, frames, 0.0f);
+        complete = false;
       }
     }
+    self->isComplete.store(complete, std::memory_order_relaxed);
     self->count.store(at + frames, std::memory_order_release);
   }
 };
@@ -121,6 +125,7 @@ SinkRecorder::~SinkRecorder() {
 }
 
 void SinkRecorder::attach() {
+  impl_->isComplete.store(false, std::memory_order_relaxed);
   auto& graph = impl_->session.graph();
   std::vector<PortView> inputs;
   std::vector<PortView> outputs;
@@ -143,24 +148,24 @@ void SinkRecorder::attach() {
   if (!ready) {
     throw std::runtime_error("cannot link the recorder to " + impl_->sink);
   }
-  for (std::size_t i = 0; i < inputs.size(); ++i) {
-    graph.link(outputs[i].id, inputs[i].id);
-  }
-  // Links start one by one: only when all carry samples do the channels belong together.
-  const bool linked = eventually(5, [&] {
-    graph.sync();
-    const auto own = graph.node(impl_->name);
-    std::size_t active = 0;
-    for (const auto& link : graph.links()) {
-      active += link.isActive && own && link.inputNode == own->id ? 1u : 0u;
+  // Now and then a link is active and yet passes nothing for good (PipeWire 0.3.65, while what it
+  // comes from is just starting); a new one does.
+  for (int attempt = 0; attempt < 5; ++attempt) {
+    std::vector<int> links;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+      links.push_back(graph.link(outputs[i].id, inputs[i].id));
     }
-    return active == inputs.size();
-  });
-  clear();
-  if (!linked || !record(1)) {
-    throw std::runtime_error("the sink " + impl_->sink + " does not run for its recorder");
+    // Links start one by one: only when all pass samples do the channels belong together.
+    if (eventually(1, [this] { return impl_->isComplete.load(std::memory_order_relaxed); })) {
+      clear();
+      return;
+    }
+    for (const int link : links) {
+      graph.unlink(link);
+    }
+    graph.sync();
   }
-  clear();
+  throw std::runtime_error(impl_->sink + " does not run for its recorder");
 }
 
 std::size_t SinkRecorder::frames() const {
