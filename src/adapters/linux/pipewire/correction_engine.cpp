@@ -11,6 +11,12 @@ namespace {
 // new ports; after this long it has been unplugged on purpose.
 constexpr double lostSeconds = 3.0;
 
+// How long the session manager may take to move streams to a new default sink.
+constexpr double moveSeconds = 1.0;
+
+// How often an input that has yet to deliver is looked at.
+constexpr double inputLookSeconds = 0.02;
+
 // How often a fade that is under way is looked at.
 constexpr double fadeLookSeconds = 0.004;
 
@@ -22,6 +28,13 @@ void addSink(std::vector<SinkLayout>& sinks, SinkLayout sink) {
       std::find(sinks.begin(), sinks.end(), sink) == sinks.end()) {
     sinks.push_back(std::move(sink));
   }
+}
+
+// In the order that filters keep them in.
+std::vector<SinkLayout> sortedSinks(std::vector<SinkLayout> sinks) {
+  std::sort(sinks.begin(), sinks.end(),
+            [](const SinkLayout& a, const SinkLayout& b) { return a.nodeId < b.nodeId; });
+  return sinks;
 }
 
 bool contains(const std::vector<SinkLayout>& sinks, std::uint32_t node) {
@@ -68,9 +81,10 @@ void CorrectionEngine::stop(Id id, double linger, double now) {
 void CorrectionEngine::reconcile(const GraphMirror& mirror, const AudioObjects& objects,
                                  double now) {
   filters_.update(mirror);
+  noteDefault(objects, now);
   claimStreams(mirror, objects, now);
   judgePlacements(mirror, now);
-  placeNewStreams(mirror, now);
+  placeStreams(mirror, now);
   installPlans();
   changeOver(mirror, now);
   removeFaded(mirror, now);
@@ -80,14 +94,27 @@ void CorrectionEngine::reconcile(const GraphMirror& mirror, const AudioObjects& 
              return placement.correction() == entry.first;
            });
   });
-  scheduleNext(now);
+  scheduleNext(mirror, now);
   loop_.wakeWaiters();
+}
+
+void CorrectionEngine::noteDefault(const AudioObjects& objects, double now) {
+  const auto sink = objects.sinks().find(objects.defaultSink());
+  const std::uint32_t node = sink == objects.sinks().end() ? 0 : sink->second.nodeId;
+  if (node != 0 && node != defaultNode_) {
+    formerDefault_ = std::exchange(defaultNode_, node);
+    defaultChangedAt_ = now;
+  }
+  if (now - defaultChangedAt_ > moveSeconds) {
+    formerDefault_ = 0;
+  }
 }
 
 // The latest correction that runs has a stream, one that lingers only if no other wants it.
 void CorrectionEngine::claimStreams(const GraphMirror& mirror, const AudioObjects& objects,
                                     double now) {
   claims_.clear();
+  homes_.clear();
   for (const bool lingering : {false, true}) {
     for (auto entry = corrections_.rbegin(); entry != corrections_.rend(); ++entry) {
       const double stopAt = entry->second.stopAt;
@@ -98,98 +125,173 @@ void CorrectionEngine::claimStreams(const GraphMirror& mirror, const AudioObject
   }
 }
 
+// Claims the pairs that are there, and those that are to be expected: links made ahead of the
+// session manager's are ready when the first sample comes.
 void CorrectionEngine::span(const GraphMirror& mirror, const AudioObjects& objects, Id id,
                             Correction& correction) {
-  correction.sinks.clear();
-  correction.targetNode = 0;
-  if (const SinkObject* target = objects.sinkOfUid(correction.request.targetUid)) {
-    SinkLayout layout = sinkLayout(mirror, target->nodeId);
-    correction.targetNode = layout.ports.empty() ? 0 : target->nodeId;
-    addSink(correction.sinks, std::move(layout));
-  }
+  std::vector<std::uint32_t> streams;
   for (const AudioObjectID processId : correction.request.processes) {
     const auto process = objects.processes().find(processId);
-    if (process == objects.processes().end()) {
-      continue;
-    }
-    for (const std::uint32_t stream : process->second.streams) {
-      const std::uint32_t home = homeOf(mirror, stream);
-      if (claims_.try_emplace(stream, Claim{id, home, isRunning(mirror, stream)}).second &&
-          home != 0) {
-        addSink(correction.sinks, sinkLayout(mirror, home));
+    if (process != objects.processes().end()) {
+      for (const std::uint32_t stream : process->second.streams) {
+        if (homes_.try_emplace(stream, homeOf(mirror, stream)).second) {
+          streams.push_back(stream);
+        }
       }
     }
   }
-  std::sort(correction.sinks.begin(), correction.sinks.end(),
-            [](const SinkLayout& a, const SinkLayout& b) { return a.nodeId < b.nodeId; });
+  correction.targetNode = 0;
+  SinkLayout targetLayout;
+  if (const SinkObject* target = objects.sinkOfUid(correction.request.targetUid)) {
+    targetLayout = sinkLayout(mirror, target->nodeId);
+    correction.targetNode = targetLayout.ports.empty() ? 0 : target->nodeId;
+  }
+  // As it is, and as it will be once streams that follow the default have followed it.
+  std::vector<SinkLayout> now;
+  std::vector<SinkLayout> soon;
+  addSink(now, targetLayout);
+  addSink(soon, targetLayout);
+  const auto moves = [&](std::uint32_t home) { return home != 0 && home == formerDefault_; };
+  for (const std::uint32_t stream : streams) {
+    if (const std::uint32_t home = homes_.at(stream); home != 0) {
+      addSink(now, sinkLayout(mirror, home));
+      addSink(soon, sinkLayout(mirror, moves(home) ? defaultNode_ : home));
+    }
+  }
+  for (const std::uint32_t stream : streams) {
+    const std::uint32_t home = homes_.at(stream);
+    if (home != 0) {
+      claims_[{stream, home}] = {id, false, now};
+      if (moves(home)) {
+        claims_[{stream, defaultNode_}] = {id, true, soon};
+      }
+    } else if (const std::uint32_t expected = expectedHome(mirror, stream); expected != 0) {
+      auto sinks = now;
+      addSink(sinks, sinkLayout(mirror, expected));
+      claims_[{stream, expected}] = {id, true, std::move(sinks)};
+    }
+  }
 }
 
-// Whether the placement is just what its stream needs now.
+// Where a stream without links has been, has asked to be, or else will be put.
+std::uint32_t CorrectionEngine::expectedHome(const GraphMirror& mirror,
+                                             std::uint32_t stream) const {
+  for (const Placement& placement : placements_) {
+    if (placement.stream() == stream && placement.phase() == Placement::Phase::live &&
+        mirror.nodes().contains(placement.home())) {
+      return placement.home();
+    }
+  }
+  const auto node = mirror.nodes().find(stream);
+  for (const char* key : {"target.object", "node.target"}) {
+    const std::string& asked =
+        node == mirror.nodes().end() ? std::string() : propertyOf(node->second.properties, key);
+    for (const auto& [id, sink] : mirror.nodes()) {
+      if (!asked.empty() && sink.kind == NodeKind::sink &&
+          (propertyOf(sink.properties, "node.name") == asked ||
+           propertyOf(sink.properties, "object.serial") == asked)) {
+        return id;
+      }
+    }
+  }
+  return defaultNode_;
+}
+
+const CorrectionEngine::Claim* CorrectionEngine::claimOf(const Placement& placement) const {
+  const auto claim = claims_.find({placement.stream(), placement.home()});
+  return claim == claims_.end() ? nullptr : &claim->second;
+}
+
+// Whether the placement is just what its stream needs, or will need.
 bool CorrectionEngine::isWanted(const Placement& placement) const {
-  const auto claim = claims_.find(placement.stream());
-  return claim != claims_.end() && claim->second.correction == placement.correction() &&
-         claim->second.home == placement.home() && placement.phase() != Placement::Phase::leaving &&
-         !placement.slot().filter->isBroken() &&
-         placement.slot().filter->sinks() == corrections_.at(placement.correction()).sinks;
+  const Claim* claim = claimOf(placement);
+  return claim != nullptr && claim->correction == placement.correction() &&
+         placement.phase() != Placement::Phase::leaving && !placement.slot().filter->isBroken() &&
+         placement.slot().filter->sinks() == sortedSinks(claim->sinks);
 }
 
-// Takes leave of placements whose reason has gone. One that is only out of date stays until its
-// successor is live.
+void CorrectionEngine::follow(const GraphMirror& mirror, Placement& placement, double now) {
+  const auto direct = directLinks(mirror, placement.stream(), placement.home());
+  // A stream that has lost its links keeps ours as they are.
+  const bool isAhead = direct.empty() && placement.phase() == Placement::Phase::linking;
+  const auto wanted =
+      isAhead ? expectedLinks(mirror, placement.stream(), placement.home()) : direct;
+  placement.follow(wanted, direct, isRunning(mirror, placement.stream()), now);
+}
+
+// A place that is not heard yet serves the correction that has the stream now as well as the one
+// that it was made for.
+void CorrectionEngine::adopt(Placement& placement) {
+  const Claim* claim = claimOf(placement);
+  if (claim != nullptr && placement.phase() == Placement::Phase::linking &&
+      claim->correction != placement.correction()) {
+    placement.setCorrection(claim->correction);
+    changedFilters_.insert(placement.slot().filter);
+  }
+}
+
+// Takes leave of placements whose reason has gone. One that is heard and only out of date stays
+// until its successor is.
 void CorrectionEngine::judgePlacements(const GraphMirror& mirror, double now) {
   for (Placement& placement : placements_) {
-    const auto claim = claims_.find(placement.stream());
-    const bool isLinked = claim != claims_.end() && claim->second.home != 0;
-    if (placement.slot().filter->isBroken() || claim == claims_.end()) {
+    adopt(placement);
+    const auto home = homes_.find(placement.stream());
+    if (placement.slot().filter->isBroken() || home == homes_.end()) {
       placement.leave(now);
-    } else if (isLinked) {
+    } else if (placement.phase() == Placement::Phase::linking && !isWanted(placement)) {
+      placement.leave(now);
+    } else if (home->second != 0) {
       placement.lostSince = 0;
-      if (placement.phase() == Placement::Phase::linking && !isWanted(placement)) {
-        placement.leave(now);
-      }
     } else if (placement.lostSince == 0) {
       // It plays through our links alone, or not at all, until it is linked again.
       placement.lostSince = now;
-    } else if (now - placement.lostSince > lostSeconds) {
+    } else if (now - placement.lostSince > lostSeconds &&
+               placement.phase() == Placement::Phase::live) {
       placement.leave(now);
     }
-    placement.follow(directLinks(mirror, placement.stream(), placement.home()),
-                     isRunning(mirror, placement.stream()));
+    follow(mirror, placement, now);
   }
 }
 
-void CorrectionEngine::placeNewStreams(const GraphMirror& mirror, double now) {
-  for (const auto& [stream, claim] : claims_) {
-    const Correction& correction = corrections_.at(claim.correction);
-    const bool isPlaced =
-        std::any_of(placements_.begin(), placements_.end(), [&](const Placement& placement) {
-          return placement.stream() == stream && isWanted(placement);
+void CorrectionEngine::placeStreams(const GraphMirror& mirror, double now) {
+  for (const auto& [pair, claim] : claims_) {
+    const auto [stream, home] = pair;
+    const bool isPlaced = std::any_of(
+        placements_.begin(), placements_.end(), [&, s = stream, h = home](const auto& placement) {
+          return placement.stream() == s && placement.home() == h && isWanted(placement);
         });
-    if (isPlaced || !contains(correction.sinks, claim.home)) {
+    const bool isAhead = claim.isExpected && expectedLinks(mirror, stream, home).empty();
+    if (isPlaced || isAhead || !contains(claim.sinks, home)) {
       continue;
     }
-    if (const FilterSlot slot = filters_.take(correction.sinks, now)) {
-      placements_.emplace_back(claim.correction, stream, claim.home, slot);
-      placements_.back().follow(directLinks(mirror, stream, claim.home), claim.isRunning);
+    if (const FilterSlot slot = filters_.take(sortedSinks(claim.sinks), now)) {
+      placements_.emplace_back(claim.correction, stream, home, slot);
+      follow(mirror, placements_.back(), now);
       changedFilters_.insert(slot.filter);
     }
   }
 }
 
-// What has all its links goes live, and what it replaces leaves, between the same two cycles.
+// What has all its links goes live together with the direct path, and what it replaces leaves,
+// between the same two cycles.
 void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
   std::vector<std::pair<Placement*, bool>> arriving;
-  std::vector<Placement*> replaced;
+  std::vector<std::pair<Placement*, bool>> replaced;
   for (Placement& placement : placements_) {
-    const auto direct = directLinks(mirror, placement.stream(), placement.home());
     const bool runs = isRunning(mirror, placement.stream());
     if (placement.phase() != Placement::Phase::linking || !isWanted(placement) ||
-        !placement.isReady(direct, runs)) {
+        !placement.isReady(runs)) {
       continue;
     }
-    arriving.emplace_back(&placement, runs);
+    if (claimOf(placement)->isExpected || !placement.isDirect()) {
+      placement.wasAhead = true;
+      continue;
+    }
+    arriving.emplace_back(&placement, !runs || placement.wasAhead);
     for (Placement& other : placements_) {
-      if (&other != &placement && other.stream() == placement.stream()) {
-        replaced.push_back(&other);
+      if (&other != &placement && other.stream() == placement.stream() &&
+          other.phase() == Placement::Phase::live) {
+        replaced.emplace_back(&other, placement.wasAhead);
       }
     }
   }
@@ -197,11 +299,11 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
     return;
   }
   loop_.onDataThread([&] {
-    for (const auto& [placement, runs] : arriving) {
-      placement->goLive(runs);
+    for (const auto& [placement, atOnce] : arriving) {
+      placement->goLive(atOnce);
     }
-    for (Placement* placement : replaced) {
-      placement->leave(now);
+    for (const auto& [placement, atOnce] : replaced) {
+      placement->leave(now, atOnce);
     }
   });
 }
@@ -252,7 +354,7 @@ void CorrectionEngine::installPlans() {
   changedFilters_.clear();
 }
 
-void CorrectionEngine::scheduleNext(double now) {
+void CorrectionEngine::scheduleNext(const GraphMirror& mirror, double now) {
   double next = filters_.sweep(now);
   const auto consider = [&](double seconds) {
     const double wait = std::max(seconds, fadeLookSeconds);
@@ -261,9 +363,14 @@ void CorrectionEngine::scheduleNext(double now) {
   for (const Placement& placement : placements_) {
     if (placement.phase() == Placement::Phase::leaving) {
       consider(fadeLookSeconds);
-    } else if (placement.lostSince != 0) {
+    } else if (placement.isWaiting(isRunning(mirror, placement.stream()))) {
+      consider(inputLookSeconds);
+    } else if (placement.lostSince != 0 && placement.phase() == Placement::Phase::live) {
       consider(placement.lostSince + lostSeconds - now + fadeLookSeconds);
     }
+  }
+  if (formerDefault_ != 0) {
+    consider(defaultChangedAt_ + moveSeconds - now + fadeLookSeconds);
   }
   for (const auto& [id, correction] : corrections_) {
     if (correction.stopAt > now) {

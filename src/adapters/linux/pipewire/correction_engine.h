@@ -46,26 +46,32 @@ class CorrectionEngine {
  private:
   struct Correction {
     CorrectionRequest request;
-    double stopAt = 0;              ///< media time from which it is unwanted; 0 = runs
-    std::vector<SinkLayout> sinks;  ///< that it spans: where its streams play, and the target
-    std::uint32_t targetNode = 0;   ///< 0 while the target is not there
+    double stopAt = 0;             ///< media time from which it is unwanted; 0 = runs
+    std::uint32_t targetNode = 0;  ///< 0 while the target is not there
   };
-  /// What is to become of a stream.
+  /// A stream and a sink that it plays to, or is about to play to.
+  using Pair = std::pair<std::uint32_t, std::uint32_t>;
+  /// What is to become of such a pair.
   struct Claim {
     Id correction = 0;
-    std::uint32_t home = 0;  ///< sink that the stream plays to by itself; 0 while it has none
-    bool isRunning = false;
+    bool isExpected = false;        ///< the session manager has not made the links yet
+    std::vector<SinkLayout> sinks;  ///< that the filter has to span
   };
 
+  void noteDefault(const AudioObjects& objects, double now);
   void claimStreams(const GraphMirror& mirror, const AudioObjects& objects, double now);
   void span(const GraphMirror& mirror, const AudioObjects& objects, Id id, Correction& correction);
+  std::uint32_t expectedHome(const GraphMirror& mirror, std::uint32_t stream) const;
+  const Claim* claimOf(const Placement& placement) const;
   bool isWanted(const Placement& placement) const;
+  void adopt(Placement& placement);
+  void follow(const GraphMirror& mirror, Placement& placement, double now);
   void judgePlacements(const GraphMirror& mirror, double now);
-  void placeNewStreams(const GraphMirror& mirror, double now);
+  void placeStreams(const GraphMirror& mirror, double now);
   void changeOver(const GraphMirror& mirror, double now);
   void removeFaded(const GraphMirror& mirror, double now);
   void installPlans();
-  void scheduleNext(double now);
+  void scheduleNext(const GraphMirror& mirror, double now);
 
   const PipeWireLoop& loop_;
   std::function<void()> onChange_;
@@ -74,7 +80,11 @@ class CorrectionEngine {
   std::map<Id, Correction> corrections_;
   Id nextId_ = 1;
   std::list<Placement> placements_;
-  std::map<std::uint32_t, Claim> claims_;  ///< by stream, of this reconciliation
+  std::map<Pair, Claim> claims_;                  ///< of this reconciliation
+  std::map<std::uint32_t, std::uint32_t> homes_;  ///< of the claimed streams; 0 = none
+  std::uint32_t defaultNode_ = 0;
+  std::uint32_t formerDefault_ = 0;  ///< the default before, until the streams have moved
+  double defaultChangedAt_ = 0;
   std::set<CorrectionFilter*> changedFilters_;
 };
 

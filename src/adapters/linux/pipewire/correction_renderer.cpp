@@ -139,6 +139,17 @@ class TapCycle {
     return samples == nullptr ? nullptr : samples + offset_;
   }
 
+  // Notes which inputs deliver, also of slots that are still waiting to be heard.
+  void look(CorrectionSlot& slot) {
+    std::uint32_t now = 0;
+    for (std::uint32_t c = 0; c < std::min(slot.channels, maxCorrectionChannels); ++c) {
+      now |= portInput(slot, c) != nullptr ? 1u << c : 0u;
+    }
+    if ((now & ~slot.seenChannels.load(std::memory_order_relaxed)) != 0) {
+      slot.seenChannels.fetch_or(now, std::memory_order_relaxed);
+    }
+  }
+
   // Moves a slot's weight on and says what part it takes in this cycle.
   static Share advance(CorrectionSlot& slot) {
     const float from = slot.weight.load(std::memory_order_relaxed);
@@ -158,6 +169,7 @@ class TapCycle {
       if (shares_ == share_.size()) {
         break;
       }
+      look(*slot);
       const Share share = advance(*slot);
       if (share.from != 0.0f || share.to != 0.0f) {
         share_[shares_++] = share;

@@ -9,6 +9,12 @@ namespace {
 // A server that refuses a link keeps refusing it.
 constexpr int maxAttempts = 16;
 
+// A link that is on, in a filter that has run this often since, would have delivered long ago. Now
+// and then the library loses the buffers of a link that is made while its stream starts; a new link
+// gets new ones.
+constexpr double deafSeconds = 0.05;
+constexpr std::uint64_t deafCycles = 4;
+
 // A filter that has not been called for this long is at rest, whatever its sink's quantum.
 constexpr double restSeconds = 0.3;
 
@@ -26,6 +32,22 @@ std::vector<DirectLink> directLinks(const GraphMirror& mirror, std::uint32_t str
     }
   }
   return direct;
+}
+
+std::vector<DirectLink> expectedLinks(const GraphMirror& mirror, std::uint32_t stream,
+                                      std::uint32_t sink) {
+  std::vector<DirectLink> expected;
+  const SinkLayout layout = sinkLayout(mirror, sink);
+  for (std::uint32_t channel = 0; channel < layout.ports.size(); ++channel) {
+    const std::string& name = mirror.ports().at(layout.ports[channel]).channel;
+    for (const auto& [id, port] : mirror.ports()) {
+      if (port.nodeId == stream && !port.isInput && !port.isControl && !name.empty() &&
+          port.channel == name) {
+        expected.push_back({0, id, channel, false});
+      }
+    }
+  }
+  return expected;
 }
 
 std::uint32_t homeOf(const GraphMirror& mirror, std::uint32_t stream) {
@@ -56,18 +78,33 @@ Placement::Placement(std::uint64_t correction, std::uint32_t stream, std::uint32
       std::min(static_cast<std::uint32_t>(ports.size()), slot.filter->slotChannels());
 }
 
-void Placement::follow(const std::vector<DirectLink>& direct, bool streamRuns) {
-  attempts_ += static_cast<int>(
-      std::erase_if(links_, [](const InputLink& input) { return input.link->isGone(); }));
-  for (const DirectLink& wanted : direct) {
-    const bool known = std::any_of(links_.begin(), links_.end(), [&](const InputLink& input) {
-      return input.port == wanted.port && input.channel == wanted.channel;
-    });
-    if (!known && phase_ != Phase::leaving && attempts_ < maxAttempts &&
-        wanted.channel < renderSlot_->channels) {
-      if (auto link = slot_.filter->linkInput(slot_.index, wanted.channel, stream_, wanted.port)) {
-        links_.push_back({wanted.port, wanted.channel, std::move(link)});
+void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<DirectLink>& direct,
+                       bool streamRuns, double now) {
+  if (phase_ != Phase::leaving) {
+    const auto isWanted = [&](const InputLink& input) {
+      return wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](const auto& link) {
+               return input.port == link.port && input.channel == link.channel;
+             });
+    };
+    std::erase_if(links_, [&](const InputLink& input) { return !isWanted(input); });
+    attempts_ += static_cast<int>(std::erase_if(links_, [&](InputLink& input) {
+      return input.link->isGone() || (streamRuns && isDeaf(input, now));
+    }));
+    for (const DirectLink& link : wanted) {
+      const bool known = std::any_of(links_.begin(), links_.end(), [&](const InputLink& input) {
+        return input.port == link.port && input.channel == link.channel;
+      });
+      if (known || attempts_ >= maxAttempts || link.channel >= renderSlot_->channels) {
+        continue;
       }
+      if (auto made = slot_.filter->linkInput(slot_.index, link.channel, stream_, link.port)) {
+        renderSlot_->seenChannels.fetch_and(~(1u << link.channel), std::memory_order_relaxed);
+        links_.push_back({link.port, link.channel, std::move(made)});
+      }
+    }
+    wanted_ = wanted.empty() ? links_.size() : wanted.size();
+    if (isReady(streamRuns)) {
+      attempts_ = 0;
     }
   }
   // A link made while the stream rests starts together with ours; one made while it plays counts
@@ -85,32 +122,59 @@ void Placement::follow(const std::vector<DirectLink>& direct, bool streamRuns) {
     }
   }
   countedDirect_ = std::move(counted);
+  isDirect_ = carrying != 0 && waiting == 0;
   renderSlot_->directChannels.store(carrying & ~waiting, std::memory_order_relaxed);
 }
 
-bool Placement::isReady(const std::vector<DirectLink>& direct, bool streamRuns) const {
-  if (links_.empty() || links_.size() < direct.size()) {
+bool Placement::isDeaf(InputLink& input, double now) {
+  const bool seen =
+      (renderSlot_->seenChannels.load(std::memory_order_relaxed) >> input.channel & 1u) != 0;
+  if (seen || !input.link->isActive()) {
+    input.activeSince = 0;
     return false;
   }
-  const auto all = [this](auto test) {
-    return std::all_of(links_.begin(), links_.end(),
-                       [&](const InputLink& input) { return test(*input.link); });
-  };
-  if (streamRuns) {
-    return slot_.filter->outputsActive() && all([](const auto& link) { return link.isActive(); });
+  if (input.activeSince == 0) {
+    input.activeSince = now;
+    input.cyclesAtStart = slot_.filter->cycles();
   }
-  return slot_.filter->outputsPrepared() && all([](const auto& link) { return link.isPrepared(); });
+  return now - input.activeSince > deafSeconds &&
+         slot_.filter->cycles() - input.cyclesAtStart >= deafCycles;
 }
 
-void Placement::goLive(bool streamRuns) {
-  phase_ = Phase::live;
+bool Placement::isWaiting(bool streamRuns) const {
+  if (!streamRuns || phase_ == Phase::leaving || attempts_ >= maxAttempts) {
+    return false;
+  }
+  const std::uint32_t seen = renderSlot_->seenChannels.load(std::memory_order_relaxed);
+  return std::any_of(links_.begin(), links_.end(), [&](const InputLink& input) {
+    return input.link->isActive() && (seen >> input.channel & 1u) == 0;
+  });
+}
+
+bool Placement::isReady(bool streamRuns) const {
+  if (links_.empty() || links_.size() < wanted_) {
+    return false;
+  }
+  const auto all = [this](auto test) { return std::all_of(links_.begin(), links_.end(), test); };
   if (!streamRuns) {
+    return slot_.filter->outputsPrepared() &&
+           all([](const InputLink& input) { return input.link->isPrepared(); });
+  }
+  const std::uint32_t seen = renderSlot_->seenChannels.load(std::memory_order_relaxed);
+  return slot_.filter->outputsActive() && all([&](const InputLink& input) {
+           return input.link->isActive() && (seen >> input.channel & 1u) != 0;
+         });
+}
+
+void Placement::goLive(bool atOnce) {
+  phase_ = Phase::live;
+  if (atOnce) {
     renderSlot_->weight.store(1.0f, std::memory_order_relaxed);
   }
   renderSlot_->targetWeight.store(1.0f, std::memory_order_relaxed);
 }
 
-void Placement::leave(double now) {
+void Placement::leave(double now, bool atOnce) {
   if (phase_ == Phase::leaving) {
     return;
   }
@@ -118,6 +182,9 @@ void Placement::leave(double now) {
   leftAt_ = now;
   cyclesWhenLeft_ = slot_.filter->cycles();
   renderSlot_->targetWeight.store(0.0f, std::memory_order_relaxed);
+  if (atOnce) {
+    renderSlot_->weight.store(0.0f, std::memory_order_relaxed);
+  }
 }
 
 bool Placement::hasFaded(bool streamRuns, double now) const {

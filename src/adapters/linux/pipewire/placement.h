@@ -23,6 +23,11 @@ struct DirectLink {
 std::vector<DirectLink> directLinks(const GraphMirror& mirror, std::uint32_t stream,
                                     std::uint32_t sink);
 
+/// The links that a session manager will make between the two: each channel to its namesake. Their
+/// ids are 0.
+std::vector<DirectLink> expectedLinks(const GraphMirror& mirror, std::uint32_t stream,
+                                      std::uint32_t sink);
+
 /// Node id of the sink that a stream was linked to last; 0 while it has none. One that is being
 /// moved has, for a moment, links to two.
 std::uint32_t homeOf(const GraphMirror& mirror, std::uint32_t stream);
@@ -31,7 +36,7 @@ std::uint32_t homeOf(const GraphMirror& mirror, std::uint32_t stream);
 class Placement {
  public:
   enum class Phase {
-    linking,  ///< not heard yet
+    linking,  ///< not heard: links are being made, or wait for the direct ones to carry samples
     live,     ///< fading in or there
     leaving,  ///< fading out or there
   };
@@ -39,24 +44,34 @@ class Placement {
   Placement(std::uint64_t correction, std::uint32_t stream, std::uint32_t home, FilterSlot slot);
 
   std::uint64_t correction() const { return correction_; }
+  void setCorrection(std::uint64_t correction) { correction_ = correction; }
   std::uint32_t stream() const { return stream_; }
   std::uint32_t home() const { return home_; }
   const FilterSlot& slot() const { return slot_; }
   Phase phase() const { return phase_; }
   CorrectionSlot* renderSlot() const { return renderSlot_.get(); }
 
-  /// Makes the links that are missing, unless it is leaving, and follows what the direct links to
-  /// its home carry.
-  void follow(const std::vector<DirectLink>& direct, bool streamRuns);
+  /// Follows the direct links to its home. While it is linking or live it makes the links that are
+  /// missing to the wanted ones, which are the direct ones or those to be expected, and makes those
+  /// anew through which nothing comes.
+  void follow(const std::vector<DirectLink>& wanted, const std::vector<DirectLink>& direct,
+              bool streamRuns, double now);
 
   /// All is linked, so that it may go live. A stream that does not run needs no more than buffers
   /// to be agreed on: everything starts together with it.
-  bool isReady(const std::vector<DirectLink>& direct, bool streamRuns) const;
+  bool isReady(bool streamRuns) const;
+  /// The stream's direct links are there and carry samples, or will from their start on.
+  bool isDirect() const { return isDirect_; }
+  /// Waits for an input to deliver: follow is due again soon.
+  bool isWaiting(bool streamRuns) const;
 
-  /// Fades in; with a stream that does not run it is there at once. Real-time safe.
-  void goLive(bool streamRuns);
-  /// Fades out. Real-time safe. now: media time in seconds.
-  void leave(double now);
+  /// It was ready while the direct path was not: from the first sample on, nothing is to be faded.
+  bool wasAhead = false;
+
+  /// Fades in, or is there at once. Real-time safe.
+  void goLive(bool atOnce);
+  /// Fades out, or is gone at once. Real-time safe. now: media time in seconds.
+  void leave(double now, bool atOnce = false);
 
   /// Faded out, or nothing passes through it that could fade.
   bool hasFaded(bool streamRuns, double now) const;
@@ -68,7 +83,11 @@ class Placement {
     std::uint32_t port;
     std::uint32_t channel;
     std::unique_ptr<FilterLink> link;
+    double activeSince = 0;           ///< media time; 0 = nothing can come yet
+    std::uint64_t cyclesAtStart = 0;  ///< of the filter, then
   };
+
+  bool isDeaf(InputLink& input, double now);
 
   std::uint64_t correction_;
   std::uint32_t stream_;
@@ -77,6 +96,8 @@ class Placement {
   Phase phase_ = Phase::linking;
   std::unique_ptr<CorrectionSlot> renderSlot_;
   std::vector<InputLink> links_;
+  std::size_t wanted_ = 0;  ///< number of links that there should be
+  bool isDirect_ = false;
   std::set<std::uint32_t> countedDirect_;  ///< ids of direct links that carry samples
   int attempts_ = 0;                       ///< links that the server has refused or removed
   double leftAt_ = 0;
