@@ -1,12 +1,10 @@
 #include "support/pipewire/program_under_test.h"
 
-#include <unistd.h>
-
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -144,19 +142,13 @@ std::size_t residentKiBOf(pid_t pid) {
 }
 
 double cpuMilliseconds(pid_t pid) {
-  std::ifstream file(procPath(pid, "stat"));
-  std::string text;
-  std::getline(file, text);
-  // The name of the program stands in brackets and may hold anything.
-  std::istringstream fields(text.substr(text.rfind(')') + 2));
-  std::string skipped;
-  for (int i = 0; i < 11; ++i) {
-    fields >> skipped;
+  // The clock counts nanoseconds, where /proc counts ticks of 10 ms.
+  clockid_t clock = 0;
+  timespec time{};
+  if (clock_getcpuclockid(pid, &clock) != 0 || clock_gettime(clock, &time) != 0) {
+    return 0;
   }
-  double user = 0;
-  double system = 0;
-  fields >> user >> system;
-  return (user + system) * 1000 / static_cast<double>(sysconf(_SC_CLK_TCK));
+  return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
 }  // namespace plemora::rig

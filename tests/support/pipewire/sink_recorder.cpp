@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <iterator>
+#include <map>
 #include <stdexcept>
 
 #include "support/pipewire/loop_lock.h"
@@ -18,6 +20,13 @@ namespace {
 
 constexpr std::size_t maximumRate = 48000;
 
+/// Where a channel stands in a stream of several.
+std::size_t placeOf(const std::string& channel) {
+  static const std::string order[] = {"MONO", "FL", "FR", "FC", "LFE", "RL", "RR"};
+  return static_cast<std::size_t>(std::find(std::begin(order), std::end(order), channel) -
+                                  std::begin(order));
+}
+
 }  // namespace
 
 struct SinkRecorder::Impl {
@@ -28,6 +37,7 @@ struct SinkRecorder::Impl {
   std::string name;
   pw_thread_loop* loop = nullptr;
   pw_filter* filter = nullptr;
+  std::vector<std::string> channels;  // names, in the order of the recording
   std::vector<void*> ports;
 
   // Written by the data thread. A frame count is published after its samples.
@@ -88,12 +98,15 @@ SinkRecorder::SinkRecorder(PrivateSession& session, const std::string& sink, dou
   if (!found) {
     throw std::runtime_error("no sink " + sink + " to record");
   }
-  std::vector<std::string> channels;
   for (const auto& port : session.graph().ports(found->id)) {
     if (!port.isInput) {
-      channels.push_back(port.channel);
+      impl_->channels.push_back(port.channel);
     }
   }
+  const auto& channels = impl_->channels;
+  // The numbers of ports tell nothing of their order.
+  std::sort(impl_->channels.begin(), impl_->channels.end(),
+            [](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
   pw_init(nullptr, nullptr);
   impl_->samples.assign(channels.size(),
                         Channel(static_cast<std::size_t>(capacitySeconds * maximumRate)));
@@ -127,20 +140,20 @@ SinkRecorder::~SinkRecorder() {
 void SinkRecorder::attach() {
   impl_->isComplete.store(false, std::memory_order_relaxed);
   auto& graph = impl_->session.graph();
-  std::vector<PortView> inputs;
-  std::vector<PortView> outputs;
+  std::map<std::string, std::uint32_t> inputs;
+  std::map<std::string, std::uint32_t> outputs;
   const bool ready = eventually(5, [&] {
     graph.sync();
     inputs.clear();
     outputs.clear();
     const auto own = graph.node(impl_->name);
     const auto sink = graph.node(impl_->sink);
-    if (own && sink) {
-      inputs = graph.ports(own->id);
-      for (const auto& port : graph.ports(sink->id)) {
-        if (!port.isInput) {
-          outputs.push_back(port);
-        }
+    for (const auto& port : own ? graph.ports(own->id) : std::vector<PortView>()) {
+      inputs[port.channel] = port.id;
+    }
+    for (const auto& port : sink ? graph.ports(sink->id) : std::vector<PortView>()) {
+      if (!port.isInput) {
+        outputs[port.channel] = port.id;
       }
     }
     return outputs.size() == impl_->ports.size() && inputs.size() == outputs.size();
@@ -152,8 +165,8 @@ void SinkRecorder::attach() {
   // comes from is just starting); a new one does.
   for (int attempt = 0; attempt < 5; ++attempt) {
     std::vector<int> links;
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-      links.push_back(graph.link(outputs[i].id, inputs[i].id));
+    for (const auto& channel : impl_->channels) {
+      links.push_back(graph.link(outputs.at(channel), inputs.at(channel)));
     }
     // Links start one by one: only when all pass samples do the channels belong together.
     if (eventually(1, [this] { return impl_->isComplete.load(std::memory_order_relaxed); })) {
