@@ -53,6 +53,9 @@ class Program : public testing::Test {
 
   /// The machine was too busy to keep up, which says nothing of the program.
   static bool isDisturbed(const Recording& heard, const Recording& sent) {
+    if (heard.gaps + sent.gaps > 0) {
+      std::printf("disturbed: %d and %d cycles missed\n", heard.gaps, sent.gaps);
+    }
     return heard.gaps + sent.gaps > 0;
   }
 

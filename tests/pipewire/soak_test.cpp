@@ -152,12 +152,17 @@ TEST_F(Soak, EveryAppIsRightAtTheEnd) {
       << recorder.next(1)[0].back() << " instead of " << expected();
   // All together may be right by two that are wrong: each one's share shows when it is muted.
   for (int number = 0; number < appCount; ++number) {
-    const auto& app = apps[static_cast<std::size_t>(number)];
+    const float before = recorder.next(1)[0].back();
     plemora->must({"mute", nameOf(number)});
-    EXPECT_TRUE(eventually(3, [&] {
-      return std::abs(recorder.next(1)[0].back() - (expected() - app.level())) < 1e-6f;
-    })) << nameOf(number);
+    const float share = apps[static_cast<std::size_t>(number)].level();
+    const bool isRight = eventually(
+        1, [&] { return std::abs(before - recorder.next(1)[0].back() - share) < 1e-6f; });
+    EXPECT_TRUE(isRight) << nameOf(number) << " has a share of "
+                         << (before - recorder.next(1)[0].back()) / each << " instead of "
+                         << share / each;
     plemora->must({"unmute", nameOf(number)});
+    ASSERT_TRUE(
+        eventually(3, [&] { return std::abs(recorder.next(1)[0].back() - before) < 1e-6f; }));
   }
   const std::size_t files = plemora->openFiles();
   const std::size_t threads = plemora->threads();
