@@ -179,21 +179,21 @@ AudioObjectID AudioObjects::processOf(std::int32_t pid) {
 
 void AudioObjects::placeStream(const GraphMirror& mirror, std::uint32_t nodeId,
                                const NodeRecord& node) {
-  auto pid = clientPids_.find(node.clientId);
   const auto client = mirror.clients().find(node.clientId);
   if (client == mirror.clients().end() || !client->second.isComplete) {
     return;
   }
+  auto pid = clientPids_.find(client->second.serial);
   if (pid == clientPids_.end()) {
     const auto identity = identifyClient(client->second.properties, node.properties, directory_);
     if (identity.pid < 1 || identity.pid == getpid()) {
       return;
     }
     directory_.set(identity.pid, identity.hints);
-    pid = clientPids_.emplace(node.clientId, identity.pid).first;
+    pid = clientPids_.emplace(client->second.serial, identity.pid).first;
   }
   ProcessObject& process = processes_.at(processOf(pid->second));
-  process.clients.insert(node.clientId);
+  process.clients.insert(client->second.serial);
   process.streams.push_back(nodeId);
   process.isRunning = process.isRunning || node.isRunning;
 }
@@ -207,11 +207,11 @@ void AudioObjects::updateProcesses(const GraphMirror& mirror, double now) {
   std::vector<std::pair<std::uint64_t, std::uint32_t>> streams;
   for (const auto& [nodeId, node] : mirror.nodes()) {
     if (node.kind == NodeKind::stream) {
-      streams.emplace_back(node.order, nodeId);
+      streams.emplace_back(node.serial, nodeId);
     }
   }
   std::sort(streams.begin(), streams.end());
-  for (const auto& [order, nodeId] : streams) {
+  for (const auto& [serial, nodeId] : streams) {
     placeStream(mirror, nodeId, mirror.nodes().at(nodeId));
   }
 
@@ -221,7 +221,7 @@ void AudioObjects::updateProcesses(const GraphMirror& mirror, double now) {
     const auto node = mirror.nodes().find(link.inputNode);
     if (node != mirror.nodes().end() && node->second.kind == NodeKind::sink) {
       auto& newest = sinkOfStream[link.outputNode];
-      newest = std::max(newest, {link.order, link.inputNode});
+      newest = std::max(newest, {link.serial, link.inputNode});
     }
   }
   for (auto& [id, process] : processes_) {
@@ -239,17 +239,19 @@ void AudioObjects::updateProcesses(const GraphMirror& mirror, double now) {
       }
     }
   }
-  dropProcesses(&mirror, now);
+  dropProcesses(mirror, now);
 }
 
-void AudioObjects::dropProcesses(const GraphMirror* mirror, double now) {
-  std::erase_if(clientPids_,
-                [&](const auto& entry) { return !mirror->clients().contains(entry.first); });
+void AudioObjects::dropProcesses(const GraphMirror& mirror, double now) {
+  std::set<std::uint64_t> present;
+  for (const auto& [id, client] : mirror.clients()) {
+    present.insert(client.serial);
+  }
+  std::erase_if(clientPids_, [&](const auto& entry) { return !present.contains(entry.first); });
   hasWaiting_ = false;
   for (auto entry = processes_.begin(); entry != processes_.end();) {
     ProcessObject& process = entry->second;
-    std::erase_if(process.clients,
-                  [&](std::uint32_t id) { return !mirror->clients().contains(id); });
+    std::erase_if(process.clients, [&](std::uint64_t serial) { return !present.contains(serial); });
     if (!process.clients.empty()) {
       process.emptySince = 0;
       ++entry;

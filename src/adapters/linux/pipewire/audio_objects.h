@@ -39,7 +39,7 @@ struct ProcessObject {
   bool isRunning = false;
   std::vector<AudioObjectID> devices;  ///< that its streams are linked to, oldest stream first
   std::vector<std::uint32_t> streams;  ///< node ids, oldest first
-  std::set<std::uint32_t> clients;     ///< ids of connections
+  std::set<std::uint64_t> clients;     ///< serials of its connections
   double emptySince = 0;               ///< media time; counts while it has no connection
 };
 
@@ -77,13 +77,13 @@ class AudioObjects {
   void updateProcesses(const GraphMirror& mirror, double now);
   void placeStream(const GraphMirror& mirror, std::uint32_t nodeId, const NodeRecord& node);
   AudioObjectID processOf(std::int32_t pid);
-  void dropProcesses(const GraphMirror* mirror, double now);
+  void dropProcesses(const GraphMirror& mirror, double now);
 
   ClientDirectory& directory_;
   AudioObjectID nextId_ = 100;
   std::map<AudioObjectID, SinkObject> sinks_;
   std::map<AudioObjectID, ProcessObject> processes_;
-  std::map<std::uint32_t, std::int32_t> clientPids_;  ///< of connections with streams
+  std::map<std::uint64_t, std::int32_t> clientPids_;  ///< by serial, of those with streams
   AudioObjectID defaultSink_ = 0;
   bool hasWaiting_ = false;
 };

@@ -42,6 +42,11 @@ bool contains(const std::vector<SinkLayout>& sinks, std::uint32_t node) {
                      [&](const SinkLayout& sink) { return sink.nodeId == node; });
 }
 
+std::uint64_t serialOf(const GraphMirror& mirror, std::uint32_t node) {
+  const auto found = mirror.nodes().find(node);
+  return found == mirror.nodes().end() ? 0 : found->second.serial;
+}
+
 bool isRunning(const GraphMirror& mirror, std::uint32_t node) {
   const auto found = mirror.nodes().find(node);
   return found != mirror.nodes().end() && found->second.isRunning;
@@ -238,6 +243,9 @@ void CorrectionEngine::judgePlacements(const GraphMirror& mirror, double now) {
     const auto home = homes_.find(placement.stream());
     if (placement.slot().filter->isBroken() || home == homes_.end()) {
       placement.leave(now);
+    } else if (placement.serial() != serialOf(mirror, placement.stream())) {
+      // Another stream has got its id. Nothing comes of the old one that could fade.
+      placement.leave(now, true);
     } else if (placement.phase() == Placement::Phase::linking && !isWanted(placement)) {
       placement.leave(now);
     } else if (home->second != 0) {
@@ -265,7 +273,7 @@ void CorrectionEngine::placeStreams(const GraphMirror& mirror, double now) {
       continue;
     }
     if (const FilterSlot slot = filters_.take(sortedSinks(claim.sinks), now)) {
-      placements_.emplace_back(claim.correction, stream, home, slot);
+      placements_.emplace_back(claim.correction, stream, serialOf(mirror, stream), home, slot);
       follow(mirror, placements_.back(), now);
       changedFilters_.insert(slot.filter);
     }

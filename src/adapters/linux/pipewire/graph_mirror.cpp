@@ -50,7 +50,7 @@ void GraphMirror::added(std::uint32_t id, std::uint32_t permissions, const std::
   if (type == PW_TYPE_INTERFACE_Core) {
     mayLink_ = (permissions & PW_PERM_X) != 0;
   } else if (type == PW_TYPE_INTERFACE_Client) {
-    clients_[id].properties = std::move(properties);
+    clients_[id] = {nextSerial_++, std::move(properties), false};
   } else if (type == PW_TYPE_INTERFACE_Node) {
     addNode(id, std::move(properties));
   } else if (type == PW_TYPE_INTERFACE_Port) {
@@ -74,7 +74,7 @@ void GraphMirror::addNode(std::uint32_t id, PropertyMap properties) {
   record.kind = kindOf(propertyOf(properties, PW_KEY_MEDIA_CLASS));
   record.clientId = numberOf(properties, PW_KEY_CLIENT_ID);
   record.properties = std::move(properties);
-  record.order = nextOrder_++;
+  record.serial = nextSerial_++;
   NodeRecord& kept = nodes_[id] = std::move(record);
   if (kept.kind != NodeKind::other) {
     bound_[id] = bindNode(registry(), id, kept, onChange_);
@@ -106,7 +106,7 @@ void GraphMirror::addLink(std::uint32_t id, const PropertyMap& properties) {
   record.outputPort = numberOf(properties, PW_KEY_LINK_OUTPUT_PORT);
   record.inputNode = numberOf(properties, PW_KEY_LINK_INPUT_NODE);
   record.inputPort = numberOf(properties, PW_KEY_LINK_INPUT_PORT);
-  record.order = nextOrder_++;
+  record.serial = nextSerial_++;
   links_[id] = record;
   const auto output = nodes_.find(record.outputNode);
   const auto input = nodes_.find(record.inputNode);

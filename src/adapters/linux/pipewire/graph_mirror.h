@@ -64,7 +64,7 @@ class GraphMirror {
   PropertyMap settings_;  ///< metadata of the server
   std::string defaultSink_;
   bool mayLink_ = false;
-  std::uint64_t nextOrder_ = 1;
+  std::uint64_t nextSerial_ = 1;
 
   OwnedProxy registry_;
   Hook registryHook_;

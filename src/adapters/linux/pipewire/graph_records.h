@@ -47,7 +47,10 @@ enum class NodeKind { stream, sink, other };
 
 // Records of the server's objects, keyed by their global id in GraphMirror.
 
+// The server gives an id again at once: `serial` tells two objects with the same id apart.
+
 struct ClientRecord {
+  std::uint64_t serial = 0;  ///< rises with each object that appears
   PropertyMap properties;
   bool isComplete = false;  ///< the full properties have arrived, not only the announced ones
 };
@@ -58,7 +61,7 @@ struct NodeRecord {
   bool isRunning = false;
   PropertyMap properties;
   std::optional<VolumeState> volume;
-  std::uint64_t order = 0;  ///< rises with each node that appears
+  std::uint64_t serial = 0;
 };
 
 struct PortRecord {
@@ -77,7 +80,7 @@ struct LinkRecord {
   std::uint32_t inputNode = 0;
   std::uint32_t inputPort = 0;
   bool wasActive = false;  ///< has carried samples since it was made
-  std::uint64_t order = 0;
+  std::uint64_t serial = 0;
 };
 
 struct CardRecord {

@@ -56,18 +56,19 @@ std::uint32_t homeOf(const GraphMirror& mirror, std::uint32_t stream) {
   for (const auto& [id, link] : mirror.links()) {
     const auto sink = mirror.nodes().find(link.inputNode);
     if (link.outputNode == stream && sink != mirror.nodes().end() &&
-        sink->second.kind == NodeKind::sink && link.order > newest) {
-      newest = link.order;
+        sink->second.kind == NodeKind::sink && link.serial > newest) {
+      newest = link.serial;
       home = link.inputNode;
     }
   }
   return home;
 }
 
-Placement::Placement(std::uint64_t correction, std::uint32_t stream, std::uint32_t home,
-                     FilterSlot slot)
+Placement::Placement(std::uint64_t correction, std::uint32_t stream, std::uint64_t serial,
+                     std::uint32_t home, FilterSlot slot)
     : correction_(correction),
       stream_(stream),
+      serial_(serial),
       home_(home),
       slot_(slot),
       renderSlot_(std::make_unique<CorrectionSlot>()) {

@@ -41,11 +41,13 @@ class Placement {
     leaving,  ///< fading out or there
   };
 
-  Placement(std::uint64_t correction, std::uint32_t stream, std::uint32_t home, FilterSlot slot);
+  Placement(std::uint64_t correction, std::uint32_t stream, std::uint64_t serial,
+            std::uint32_t home, FilterSlot slot);
 
   std::uint64_t correction() const { return correction_; }
   void setCorrection(std::uint64_t correction) { correction_ = correction; }
   std::uint32_t stream() const { return stream_; }
+  std::uint64_t serial() const { return serial_; }  ///< of the stream
   std::uint32_t home() const { return home_; }
   const FilterSlot& slot() const { return slot_; }
   Phase phase() const { return phase_; }
@@ -91,6 +93,7 @@ class Placement {
 
   std::uint64_t correction_;
   std::uint32_t stream_;
+  std::uint64_t serial_;
   std::uint32_t home_;
   FilterSlot slot_;
   Phase phase_ = Phase::linking;
