@@ -65,6 +65,7 @@ std::unique_ptr<CorrectionSlot> slotAt(std::uint32_t port, std::uint32_t group =
   slot->weight = weight;
   slot->targetWeight = weight;
   slot->directChannels = direct;
+  slot->linkedChannels = 3;
   return slot;
 }
 
@@ -174,11 +175,12 @@ TEST_F(CorrectionRendererTest, StreamsOfOneTapShareOneCallAndTapsOfOneSinkOneOut
 }
 
 TEST_F(CorrectionRendererTest, MissingPortsAreSilentAndWhatNobodyWritesIsCleared) {
-  const auto right = ports.stream(1, 1.0f);  // the left input is not linked
+  const auto right = ports.stream(1, 1.0f);
   ports.sink(0, 2);
   ports.sink(1, 1);
   Tap tap(0.5f);
   const auto slot = slotAt(0);
+  slot->linkedChannels = 2;
   cycle({{&tap.block, 0, {slot.get()}}}, {2, 1});
   EXPECT_THAT(out(0, 0), testing::Each(0.0f));
   EXPECT_EQ(out(0, 1)[5], 0.5f * right[5] - right[5]);
@@ -187,6 +189,24 @@ TEST_F(CorrectionRendererTest, MissingPortsAreSilentAndWhatNobodyWritesIsCleared
   ports.outputs.clear();  // no sink is linked: nothing to write to, nothing to crash on
   cycle({{&tap.block, 0, {slot.get()}}}, {2, 1});
   EXPECT_EQ(tap.calls, 2);
+}
+
+TEST_F(CorrectionRendererTest, ASlotStartsWithTheFirstSamplesOnAllItsChannels) {
+  const auto left = ports.stream(0, 1.0f);
+  ports.sink(0, 2);
+  Tap tap(0.0f);
+  const auto slot = slotAt(0);
+  const CorrectionPlan plan{{&tap.block, 0, {slot.get()}}};
+  cycle(plan);
+  EXPECT_EQ(slot->seenChannels.load(), 1u);
+  EXPECT_THAT(out(0, 0), testing::Each(0.0f)) << "half a stream is not corrected";
+
+  ports.stream(1, 1.0f);
+  cycle(plan);
+  EXPECT_EQ(left[7] + out(0, 0)[7], 0.0f);
+  ports.inputs.erase(1);  // an empty cycle later on is the stream's own
+  cycle(plan);
+  EXPECT_EQ(left[7] + out(0, 0)[7], 0.0f);
 }
 
 TEST_F(CorrectionRendererTest, ACycleLongerThanTheBuffersIsCutIntoPieces) {

@@ -15,7 +15,7 @@ constexpr double lostSeconds = 3.0;
 constexpr double moveSeconds = 1.0;
 
 // How often an input that has yet to deliver is looked at.
-constexpr double inputLookSeconds = 0.02;
+constexpr double inputLookSeconds = 0.01;
 
 // How often a fade that is under way is looked at.
 constexpr double fadeLookSeconds = 0.004;
@@ -286,9 +286,17 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
   std::vector<std::pair<Placement*, bool>> arriving;
   std::vector<std::pair<Placement*, bool>> replaced;
   for (Placement& placement : placements_) {
+    if (placement.phase() != Placement::Phase::linking || !isWanted(placement)) {
+      continue;
+    }
     const bool runs = isRunning(mirror, placement.stream());
-    if (placement.phase() != Placement::Phase::linking || !isWanted(placement) ||
-        !placement.isReady(runs)) {
+    std::vector<Placement*> others;
+    for (Placement& other : placements_) {
+      if (other.stream() == placement.stream() && other.phase() == Placement::Phase::live) {
+        others.push_back(&other);
+      }
+    }
+    if (!placement.isReady(runs, !others.empty())) {
       continue;
     }
     if (claimOf(placement)->isExpected || !placement.isDirect()) {
@@ -296,11 +304,8 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
       continue;
     }
     arriving.emplace_back(&placement, !runs || placement.wasAhead);
-    for (Placement& other : placements_) {
-      if (&other != &placement && other.stream() == placement.stream() &&
-          other.phase() == Placement::Phase::live) {
-        replaced.emplace_back(&other, placement.wasAhead);
-      }
+    for (Placement* other : others) {
+      replaced.emplace_back(other, placement.wasAhead);
     }
   }
   if (arriving.empty()) {

@@ -139,15 +139,19 @@ class TapCycle {
     return samples == nullptr ? nullptr : samples + offset_;
   }
 
-  // Notes which inputs deliver, also of slots that are still waiting to be heard.
-  void look(CorrectionSlot& slot) {
-    std::uint32_t now = 0;
-    for (std::uint32_t c = 0; c < std::min(slot.channels, maxCorrectionChannels); ++c) {
-      now |= portInput(slot, c) != nullptr ? 1u << c : 0u;
+  // Notes which inputs deliver, also of slots that are still waiting to be heard. False while
+  // there is one that never has.
+  bool isFed(CorrectionSlot& slot) {
+    std::uint32_t seen = slot.seenChannels.load(std::memory_order_relaxed);
+    const std::uint32_t linked = slot.linkedChannels.load(std::memory_order_relaxed);
+    if ((linked & ~seen) != 0) {
+      std::uint32_t now = 0;
+      for (std::uint32_t c = 0; c < std::min(slot.channels, maxCorrectionChannels); ++c) {
+        now |= portInput(slot, c) != nullptr ? 1u << c : 0u;
+      }
+      seen |= slot.seenChannels.fetch_or(now, std::memory_order_relaxed) | now;
     }
-    if ((now & ~slot.seenChannels.load(std::memory_order_relaxed)) != 0) {
-      slot.seenChannels.fetch_or(now, std::memory_order_relaxed);
-    }
+    return linked != 0 && (linked & ~seen) == 0;
   }
 
   // Moves a slot's weight on and says what part it takes in this cycle.
@@ -169,7 +173,9 @@ class TapCycle {
       if (shares_ == share_.size()) {
         break;
       }
-      look(*slot);
+      if (!isFed(*slot)) {
+        continue;
+      }
       const Share share = advance(*slot);
       if (share.from != 0.0f || share.to != 0.0f) {
         share_[shares_++] = share;

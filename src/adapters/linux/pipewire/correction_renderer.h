@@ -24,7 +24,10 @@ struct CorrectionSlot {
   /// Share reached at the end of the last cycle; goes to the target across one buffer. Set by the
   /// event thread before the slot is installed, then by the real-time thread.
   std::atomic<float> weight = 0.0f;
+  /// Bit per channel: a link feeds it. Set by the event thread.
+  std::atomic<std::uint32_t> linkedChannels = 0;
   /// Bit per channel: samples have arrived since the event thread cleared it, at whatever weight.
+  /// A slot takes part from the cycle on in which all linked channels have been seen.
   std::atomic<std::uint32_t> seenChannels = 0;
   /// Bit per channel: the stream's direct link to the sink carries samples. Set by the event
   /// thread.

@@ -12,8 +12,8 @@ constexpr int maxAttempts = 16;
 // A link that is on, in a filter that has run this often since, would have delivered long ago. Now
 // and then the library loses the buffers of a link that is made while its stream starts; a new link
 // gets new ones.
-constexpr double deafSeconds = 0.05;
-constexpr std::uint64_t deafCycles = 4;
+constexpr double deafSeconds = 0.03;
+constexpr std::uint64_t deafCycles = 3;
 
 // A filter that has not been called for this long is at rest, whatever its sink's quantum.
 constexpr double restSeconds = 0.3;
@@ -104,7 +104,12 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
       }
     }
     wanted_ = wanted.empty() ? links_.size() : wanted.size();
-    if (isReady(streamRuns)) {
+    std::uint32_t linked = 0;
+    for (const InputLink& input : links_) {
+      linked |= 1u << input.channel;
+    }
+    renderSlot_->linkedChannels.store(linked, std::memory_order_relaxed);
+    if (isReady(streamRuns, true)) {
       attempts_ = 0;
     }
   }
@@ -152,19 +157,17 @@ bool Placement::isWaiting(bool streamRuns) const {
   });
 }
 
-bool Placement::isReady(bool streamRuns) const {
-  if (links_.empty() || links_.size() < wanted_) {
-    return false;
+bool Placement::isReady(bool streamRuns, bool takesOver) const {
+  const bool allPrepared = !links_.empty() && links_.size() >= wanted_ &&
+                           std::all_of(links_.begin(), links_.end(), [](const InputLink& input) {
+                             return input.link->isPrepared();
+                           });
+  if (!allPrepared || !streamRuns) {
+    return allPrepared && slot_.filter->outputsPrepared();
   }
-  const auto all = [this](auto test) { return std::all_of(links_.begin(), links_.end(), test); };
-  if (!streamRuns) {
-    return slot_.filter->outputsPrepared() &&
-           all([](const InputLink& input) { return input.link->isPrepared(); });
-  }
-  const std::uint32_t seen = renderSlot_->seenChannels.load(std::memory_order_relaxed);
-  return slot_.filter->outputsActive() && all([&](const InputLink& input) {
-           return input.link->isActive() && (seen >> input.channel & 1u) != 0;
-         });
+  const std::uint32_t unseen = renderSlot_->linkedChannels.load(std::memory_order_relaxed) &
+                               ~renderSlot_->seenChannels.load(std::memory_order_relaxed);
+  return slot_.filter->outputsActive() && (!takesOver || unseen == 0);
 }
 
 void Placement::goLive(bool atOnce) {

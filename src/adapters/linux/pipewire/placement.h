@@ -59,9 +59,9 @@ class Placement {
   void follow(const std::vector<DirectLink>& wanted, const std::vector<DirectLink>& direct,
               bool streamRuns, double now);
 
-  /// All is linked, so that it may go live. A stream that does not run needs no more than buffers
-  /// to be agreed on: everything starts together with it.
-  bool isReady(bool streamRuns) const;
+  /// All is linked, so that it may go live: it starts with the first sample that comes through. One
+  /// that takes over from another must have heard samples on every channel.
+  bool isReady(bool streamRuns, bool takesOver) const;
   /// The stream's direct links are there and carry samples, or will from their start on.
   bool isDirect() const { return isDirect_; }
   /// Waits for an input to deliver: follow is due again soon.
