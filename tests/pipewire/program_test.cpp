@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <csignal>
@@ -274,10 +275,27 @@ TEST_F(Program, FollowsTheDefaultAndARoutedAppsSinkThatGoesAndComes) {
   }
   plemora->must({"output", "tone", "default"});
   EXPECT_TRUE(hears(first, 0.125f));
-  plemora->must({"default-output", "Second Speakers"});
   SinkRecorder second(session, "second");
-  EXPECT_TRUE(hears(second, 0.125f)) << second.next(1)[0].back();
-  EXPECT_TRUE(hears(first, 0));
+  std::size_t loud = 0;
+  for (int round = 0; round < 6; ++round) {
+    const bool toSecond = round % 2 == 0;
+    first.clear();
+    second.clear();
+    plemora->must({"default-output", toSecond ? "Second Speakers" : "First Speakers"});
+    ASSERT_TRUE(first.record(48000));
+    std::size_t now = 0;
+    for (const auto& recording : {first.take(), second.take()}) {
+      now += static_cast<std::size_t>(
+          std::count_if(recording[0].begin(), recording[0].end(),
+                        [](float sample) { return sample > 0.125f + 1e-6f; }));
+    }
+    std::printf("change of the default: %zu frames at the wrong gain\n", now);
+    loud += now;
+    EXPECT_TRUE(hears(toSecond ? second : first, 0.125f));
+    EXPECT_TRUE(hears(toSecond ? first : second, 0));
+  }
+  // When a link moves, a cycle may pass at the wrong gain and another one until it is faded.
+  EXPECT_LE(loud, 6 * 3 * 1024u);
   const auto row = plemora->waitForApp("tone");
   ASSERT_TRUE(row);
   EXPECT_FALSE(row->routed);
