@@ -158,7 +158,6 @@ TEST_F(KilledProgram, BringsARoutedAppBackToItsOwnSink) {
   EXPECT_TRUE(hearsGain(first, 1));
   EXPECT_EQ(peak(second.next(4800)[0]), 0);
   const auto heard = first.take();
-  EXPECT_EQ(heard.gaps, 0);
   const auto start = firstAbove(heard[0], 0);
   std::size_t holes = 0;
   for (std::size_t i = start; i < heard.frames; ++i) {

@@ -76,17 +76,22 @@ TEST_P(TapAtQuantum, AHundredChangesOfGainMakeNoStepBeyondTheRamp) {
   constexpr double amplitude = 0.5;
   TapRig rig(GetParam());
   const auto tone = rig.play({.signal = Signal::sine(440, amplitude)});
-  SinkRecorder recorder(rig.session, "first", 20);
+  SinkRecorder recorder(rig.session, "first", 60);
   auto tap = rig.tap(*tone, 1);
   ASSERT_TRUE(tap);
   ASSERT_TRUE(recorder.record(9600));
-  recorder.clear();
-  for (int change = 0; change < 100; ++change) {
-    tap->state().targetGain = change % 2 == 0 ? 0.0f : 1.0f;
-    ASSERT_TRUE(recorder.record(static_cast<std::size_t>(GetParam())));
+  // A cycle that the graph missed is a step of its own: such a recording says nothing.
+  Recording heard;
+  heard.gaps = 1;
+  for (int attempt = 0; attempt < 8 && heard.gaps > 0; ++attempt) {
+    recorder.clear();
+    for (int change = 0; change < 100; ++change) {
+      tap->state().targetGain = change % 2 == 0 ? 0.0f : 1.0f;
+      ASSERT_TRUE(recorder.record(static_cast<std::size_t>(GetParam())));
+    }
+    heard = recorder.take();
   }
-  const auto heard = recorder.take();
-  EXPECT_EQ(heard.gaps, 0);
+  ASSERT_EQ(heard.gaps, 0) << "the machine is too busy to measure anything";
   const double sineStep = amplitude * 2 * std::numbers::pi * 440 / 48000;
   const double rampStep = amplitude / GetParam();
   EXPECT_LE(largestStep(heard[0]), (sineStep + rampStep) * 1.001);
@@ -173,7 +178,7 @@ TEST(Tap, RoutesToAnotherSinkAndWritesNothing) {
   TapRig rig;
   const auto tone = rig.play({.signal = Signal::identity()});
   SinkRecorder first(rig.session, "first", 20);
-  SinkRecorder second(rig.session, "second", 20);
+  SinkRecorder second(rig.session, "second", 60);
   auto& graph = rig.session.graph();
   graph.sync();
   const auto metadata = graph.metadata("default");
@@ -184,8 +189,11 @@ TEST(Tap, RoutesToAnotherSinkAndWritesNothing) {
   const auto absent = first.next(24000);
   EXPECT_EQ(peak(absent[0]), 0);
   EXPECT_EQ(peak(absent[1]), 0);
-  const auto heard = second.next(24000);
-  EXPECT_EQ(heard.gaps, 0);
+  auto heard = second.next(24000);
+  for (int attempt = 0; attempt < 8 && heard.gaps > 0; ++attempt) {
+    heard = second.next(24000);
+  }
+  ASSERT_EQ(heard.gaps, 0) << "the machine is too busy to measure anything";
   for (unsigned channel = 0; channel < 2; ++channel) {
     const auto track = gainTrack(heard, channel, 0.5);
     ASSERT_GE(track.firstFrame, 0);
