@@ -178,9 +178,15 @@ AudioObjectID AudioObjects::processOf(std::int32_t pid) {
 }
 
 void AudioObjects::placeStream(const GraphMirror& mirror, std::uint32_t nodeId,
-                               const NodeRecord& node) {
+                               const NodeRecord& node, double now) {
   const auto client = mirror.clients().find(node.clientId);
-  if (client == mirror.clients().end() || !client->second.isComplete) {
+  if (client == mirror.clients().end()) {
+    return;
+  }
+  // The full properties come a round trip later; a server under load may never send them. Then
+  // what was announced has to do.
+  if (!client->second.isComplete && now - client->second.since < gracePeriod) {
+    isAwaiting_ = true;
     return;
   }
   auto pid = clientPids_.find(client->second.serial);
@@ -212,7 +218,7 @@ void AudioObjects::updateProcesses(const GraphMirror& mirror, double now) {
   }
   std::sort(streams.begin(), streams.end());
   for (const auto& [serial, nodeId] : streams) {
-    placeStream(mirror, nodeId, mirror.nodes().at(nodeId));
+    placeStream(mirror, nodeId, mirror.nodes().at(nodeId), now);
   }
 
   // A stream that is being moved has, for a moment, links to two sinks: the newer one counts.
@@ -248,7 +254,7 @@ void AudioObjects::dropProcesses(const GraphMirror& mirror, double now) {
     present.insert(client.serial);
   }
   std::erase_if(clientPids_, [&](const auto& entry) { return !present.contains(entry.first); });
-  hasWaiting_ = false;
+  hasWaiting_ = std::exchange(isAwaiting_, false);
   for (auto entry = processes_.begin(); entry != processes_.end();) {
     ProcessObject& process = entry->second;
     std::erase_if(process.clients, [&](std::uint64_t serial) { return !present.contains(serial); });

@@ -62,7 +62,7 @@ class AudioObjects {
   /// changed. now: media time in seconds.
   std::vector<ObjectChange> update(const GraphMirror* mirror, double now);
 
-  /// Whether a process waits for its grace period to end: update is due again after it.
+  /// Whether something waits for the grace period to end: update is due again after it.
   bool hasWaiting() const { return hasWaiting_; }
 
   AudioObjectID takeId() { return nextId_++; }
@@ -75,7 +75,8 @@ class AudioObjects {
  private:
   void updateSinks(const GraphMirror& mirror);
   void updateProcesses(const GraphMirror& mirror, double now);
-  void placeStream(const GraphMirror& mirror, std::uint32_t nodeId, const NodeRecord& node);
+  void placeStream(const GraphMirror& mirror, std::uint32_t nodeId, const NodeRecord& node,
+                   double now);
   AudioObjectID processOf(std::int32_t pid);
   void dropProcesses(const GraphMirror& mirror, double now);
 
@@ -86,6 +87,7 @@ class AudioObjects {
   std::map<std::uint64_t, std::int32_t> clientPids_;  ///< by serial, of those with streams
   AudioObjectID defaultSink_ = 0;
   bool hasWaiting_ = false;
+  bool isAwaiting_ = false;  ///< a client's properties, in this update
 };
 
 }  // namespace plemora

@@ -11,31 +11,8 @@ namespace {
 // new ports; after this long it has been unplugged on purpose.
 constexpr double lostSeconds = 3.0;
 
-// How long the session manager may take to move streams to a new default sink.
-constexpr double moveSeconds = 1.0;
-
-// How often an input that has yet to deliver is looked at.
-constexpr double inputLookSeconds = 0.01;
-
 // How often a fade that is under way is looked at.
 constexpr double fadeLookSeconds = 0.004;
-
-// More sinks than this are not spanned; streams beyond keep their own path.
-constexpr std::size_t maxSinks = 8;
-
-void addSink(std::vector<SinkLayout>& sinks, SinkLayout sink) {
-  if (!sink.ports.empty() && sinks.size() < maxSinks &&
-      std::find(sinks.begin(), sinks.end(), sink) == sinks.end()) {
-    sinks.push_back(std::move(sink));
-  }
-}
-
-// In the order that filters keep them in.
-std::vector<SinkLayout> sortedSinks(std::vector<SinkLayout> sinks) {
-  std::sort(sinks.begin(), sinks.end(),
-            [](const SinkLayout& a, const SinkLayout& b) { return a.nodeId < b.nodeId; });
-  return sinks;
-}
 
 bool contains(const std::vector<SinkLayout>& sinks, std::uint32_t node) {
   return std::any_of(sinks.begin(), sinks.end(),
@@ -86,7 +63,6 @@ void CorrectionEngine::stop(Id id, double linger, double now) {
 void CorrectionEngine::reconcile(const GraphMirror& mirror, const AudioObjects& objects,
                                  double now) {
   filters_.update(mirror);
-  noteDefault(objects, now);
   claimStreams(mirror, objects, now);
   judgePlacements(mirror, now);
   placeStreams(mirror, now);
@@ -103,116 +79,41 @@ void CorrectionEngine::reconcile(const GraphMirror& mirror, const AudioObjects& 
   loop_.wakeWaiters();
 }
 
-void CorrectionEngine::noteDefault(const AudioObjects& objects, double now) {
-  const auto sink = objects.sinks().find(objects.defaultSink());
-  const std::uint32_t node = sink == objects.sinks().end() ? 0 : sink->second.nodeId;
-  if (node != 0 && node != defaultNode_) {
-    formerDefault_ = std::exchange(defaultNode_, node);
-    defaultChangedAt_ = now;
-  }
-  if (now - defaultChangedAt_ > moveSeconds) {
-    formerDefault_ = 0;
-  }
-}
-
 // The latest correction that runs has a stream, one that lingers only if no other wants it.
 void CorrectionEngine::claimStreams(const GraphMirror& mirror, const AudioObjects& objects,
                                     double now) {
-  claims_.clear();
-  homes_.clear();
+  const auto knownHome = [&](std::uint32_t stream) {
+    const auto known =
+        std::find_if(placements_.begin(), placements_.end(), [&](const Placement& placement) {
+          return placement.stream() == stream && placement.phase() == Placement::Phase::live &&
+                 mirror.nodes().contains(placement.home());
+        });
+    return known == placements_.end() ? 0 : known->home();
+  };
+  claims_.begin(objects, now);
   for (const bool lingering : {false, true}) {
     for (auto entry = corrections_.rbegin(); entry != corrections_.rend(); ++entry) {
-      const double stopAt = entry->second.stopAt;
+      Correction& correction = entry->second;
+      const double stopAt = correction.stopAt;
       if ((stopAt != 0) == lingering && (stopAt == 0 || stopAt > now)) {
-        span(mirror, objects, entry->first, entry->second);
+        correction.targetNode =
+            claims_.add(mirror, objects, entry->first, correction.request.processes,
+                        correction.request.targetUid, knownHome);
       }
     }
   }
 }
 
-// Claims the pairs that are there, and those that are to be expected: links made ahead of the
-// session manager's are ready when the first sample comes.
-void CorrectionEngine::span(const GraphMirror& mirror, const AudioObjects& objects, Id id,
-                            Correction& correction) {
-  std::vector<std::uint32_t> streams;
-  for (const AudioObjectID processId : correction.request.processes) {
-    const auto process = objects.processes().find(processId);
-    if (process != objects.processes().end()) {
-      for (const std::uint32_t stream : process->second.streams) {
-        if (homes_.try_emplace(stream, homeOf(mirror, stream)).second) {
-          streams.push_back(stream);
-        }
-      }
-    }
-  }
-  correction.targetNode = 0;
-  SinkLayout targetLayout;
-  if (const SinkObject* target = objects.sinkOfUid(correction.request.targetUid)) {
-    targetLayout = sinkLayout(mirror, target->nodeId);
-    correction.targetNode = targetLayout.ports.empty() ? 0 : target->nodeId;
-  }
-  // As it is, and as it will be once streams that follow the default have followed it.
-  std::vector<SinkLayout> now;
-  std::vector<SinkLayout> soon;
-  addSink(now, targetLayout);
-  addSink(soon, targetLayout);
-  const auto moves = [&](std::uint32_t home) { return home != 0 && home == formerDefault_; };
-  for (const std::uint32_t stream : streams) {
-    if (const std::uint32_t home = homes_.at(stream); home != 0) {
-      addSink(now, sinkLayout(mirror, home));
-      addSink(soon, sinkLayout(mirror, moves(home) ? defaultNode_ : home));
-    }
-  }
-  for (const std::uint32_t stream : streams) {
-    const std::uint32_t home = homes_.at(stream);
-    if (home != 0) {
-      claims_[{stream, home}] = {id, false, now};
-      if (moves(home)) {
-        claims_[{stream, defaultNode_}] = {id, true, soon};
-      }
-    } else if (const std::uint32_t expected = expectedHome(mirror, stream); expected != 0) {
-      auto sinks = now;
-      addSink(sinks, sinkLayout(mirror, expected));
-      claims_[{stream, expected}] = {id, true, std::move(sinks)};
-    }
-  }
-}
-
-// Where a stream without links has been, has asked to be, or else will be put.
-std::uint32_t CorrectionEngine::expectedHome(const GraphMirror& mirror,
-                                             std::uint32_t stream) const {
-  for (const Placement& placement : placements_) {
-    if (placement.stream() == stream && placement.phase() == Placement::Phase::live &&
-        mirror.nodes().contains(placement.home())) {
-      return placement.home();
-    }
-  }
-  const auto node = mirror.nodes().find(stream);
-  for (const char* key : {"target.object", "node.target"}) {
-    const std::string& asked =
-        node == mirror.nodes().end() ? std::string() : propertyOf(node->second.properties, key);
-    for (const auto& [id, sink] : mirror.nodes()) {
-      if (!asked.empty() && sink.kind == NodeKind::sink &&
-          (propertyOf(sink.properties, "node.name") == asked ||
-           propertyOf(sink.properties, "object.serial") == asked)) {
-        return id;
-      }
-    }
-  }
-  return defaultNode_;
-}
-
-const CorrectionEngine::Claim* CorrectionEngine::claimOf(const Placement& placement) const {
-  const auto claim = claims_.find({placement.stream(), placement.home()});
-  return claim == claims_.end() ? nullptr : &claim->second;
-}
-
-// Whether the placement is just what its stream needs, or will need.
+// Whether the placement is just what its stream needs, or will need. One on a filter that has been
+// outgrown moves to the larger one: an app's streams belong together, and fewer filters cost less.
 bool CorrectionEngine::isWanted(const Placement& placement) const {
-  const Claim* claim = claimOf(placement);
+  const auto* claim = claims_.find(placement.stream(), placement.home());
+  const CorrectionFilter& filter = *placement.slot().filter;
+  const bool isOutgrown =
+      placement.phase() == Placement::Phase::live && filters_.isOutgrown(filter);
   return claim != nullptr && claim->correction == placement.correction() &&
-         placement.phase() != Placement::Phase::leaving && !placement.slot().filter->isBroken() &&
-         placement.slot().filter->sinks() == sortedSinks(claim->sinks);
+         placement.phase() != Placement::Phase::leaving && !filter.isBroken() && !isOutgrown &&
+         filter.sinks() == claim->sinks;
 }
 
 void CorrectionEngine::follow(const GraphMirror& mirror, Placement& placement, double now) {
@@ -227,7 +128,7 @@ void CorrectionEngine::follow(const GraphMirror& mirror, Placement& placement, d
 // A place that is not heard yet serves the correction that has the stream now as well as the one
 // that it was made for.
 void CorrectionEngine::adopt(Placement& placement) {
-  const Claim* claim = claimOf(placement);
+  const auto* claim = claims_.find(placement.stream(), placement.home());
   if (claim != nullptr && placement.phase() == Placement::Phase::linking &&
       claim->correction != placement.correction()) {
     placement.setCorrection(claim->correction);
@@ -240,15 +141,14 @@ void CorrectionEngine::adopt(Placement& placement) {
 void CorrectionEngine::judgePlacements(const GraphMirror& mirror, double now) {
   for (Placement& placement : placements_) {
     adopt(placement);
-    const auto home = homes_.find(placement.stream());
-    if (placement.slot().filter->isBroken() || home == homes_.end()) {
+    if (placement.slot().filter->isBroken() || !claims_.isClaimed(placement.stream())) {
       placement.leave(now);
     } else if (placement.serial() != serialOf(mirror, placement.stream())) {
       // Another stream has got its id. Nothing comes of the old one that could fade.
       placement.leave(now, true);
     } else if (placement.phase() == Placement::Phase::linking && !isWanted(placement)) {
       placement.leave(now);
-    } else if (home->second != 0) {
+    } else if (claims_.isLinked(placement.stream())) {
       placement.lostSince = 0;
     } else if (placement.lostSince == 0) {
       // It plays through our links alone, or not at all, until it is linked again.
@@ -262,7 +162,7 @@ void CorrectionEngine::judgePlacements(const GraphMirror& mirror, double now) {
 }
 
 void CorrectionEngine::placeStreams(const GraphMirror& mirror, double now) {
-  for (const auto& [pair, claim] : claims_) {
+  for (const auto& [pair, claim] : claims_.all()) {
     const auto [stream, home] = pair;
     const bool isPlaced = std::any_of(
         placements_.begin(), placements_.end(), [&, s = stream, h = home](const auto& placement) {
@@ -272,7 +172,7 @@ void CorrectionEngine::placeStreams(const GraphMirror& mirror, double now) {
     if (isPlaced || isAhead || !contains(claim.sinks, home)) {
       continue;
     }
-    if (const FilterSlot slot = filters_.take(sortedSinks(claim.sinks), now)) {
+    if (const FilterSlot slot = filters_.take(claim.sinks, now)) {
       placements_.emplace_back(claim.correction, stream, serialOf(mirror, stream), home, slot);
       follow(mirror, placements_.back(), now);
       changedFilters_.insert(slot.filter);
@@ -299,7 +199,7 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
     if (!placement.isReady(runs, !others.empty())) {
       continue;
     }
-    if (claimOf(placement)->isExpected || !placement.isDirect()) {
+    if (claims_.find(placement.stream(), placement.home())->isExpected || !placement.isDirect()) {
       placement.wasAhead = true;
       continue;
     }
@@ -376,14 +276,15 @@ void CorrectionEngine::scheduleNext(const GraphMirror& mirror, double now) {
   for (const Placement& placement : placements_) {
     if (placement.phase() == Placement::Phase::leaving) {
       consider(fadeLookSeconds);
-    } else if (placement.isWaiting(isRunning(mirror, placement.stream()))) {
-      consider(inputLookSeconds);
+    } else if (const double look = placement.nextLook(isRunning(mirror, placement.stream()));
+               look > 0) {
+      consider(look);
     } else if (placement.lostSince != 0 && placement.phase() == Placement::Phase::live) {
       consider(placement.lostSince + lostSeconds - now + fadeLookSeconds);
     }
   }
-  if (formerDefault_ != 0) {
-    consider(defaultChangedAt_ + moveSeconds - now + fadeLookSeconds);
+  if (const double left = claims_.moveEndsIn(now); left > 0) {
+    consider(left + fadeLookSeconds);
   }
   for (const auto& [id, correction] : corrections_) {
     if (correction.stopAt > now) {

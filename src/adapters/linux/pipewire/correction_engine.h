@@ -12,6 +12,7 @@
 #include "adapters/linux/pipewire/audio_objects.h"
 #include "adapters/linux/pipewire/filter_pool.h"
 #include "adapters/linux/pipewire/placement.h"
+#include "adapters/linux/pipewire/stream_claims.h"
 
 namespace plemora {
 
@@ -49,20 +50,8 @@ class CorrectionEngine {
     double stopAt = 0;             ///< media time from which it is unwanted; 0 = runs
     std::uint32_t targetNode = 0;  ///< 0 while the target is not there
   };
-  /// A stream and a sink that it plays to, or is about to play to.
-  using Pair = std::pair<std::uint32_t, std::uint32_t>;
-  /// What is to become of such a pair.
-  struct Claim {
-    Id correction = 0;
-    bool isExpected = false;        ///< the session manager has not made the links yet
-    std::vector<SinkLayout> sinks;  ///< that the filter has to span
-  };
 
-  void noteDefault(const AudioObjects& objects, double now);
   void claimStreams(const GraphMirror& mirror, const AudioObjects& objects, double now);
-  void span(const GraphMirror& mirror, const AudioObjects& objects, Id id, Correction& correction);
-  std::uint32_t expectedHome(const GraphMirror& mirror, std::uint32_t stream) const;
-  const Claim* claimOf(const Placement& placement) const;
   bool isWanted(const Placement& placement) const;
   void adopt(Placement& placement);
   void follow(const GraphMirror& mirror, Placement& placement, double now);
@@ -80,11 +69,7 @@ class CorrectionEngine {
   std::map<Id, Correction> corrections_;
   Id nextId_ = 1;
   std::list<Placement> placements_;
-  std::map<Pair, Claim> claims_;                  ///< of this reconciliation
-  std::map<std::uint32_t, std::uint32_t> homes_;  ///< of the claimed streams; 0 = none
-  std::uint32_t defaultNode_ = 0;
-  std::uint32_t formerDefault_ = 0;  ///< the default before, until the streams have moved
-  double defaultChangedAt_ = 0;
+  StreamClaims claims_;  ///< of this reconciliation
   std::set<CorrectionFilter*> changedFilters_;
 };
 

@@ -23,6 +23,10 @@ bool FilterPool::Entry::isUnused() const {
   return std::find(used.begin(), used.end(), true) == used.end();
 }
 
+bool FilterPool::Entry::hasRoom() const {
+  return std::find(used.begin(), used.end(), false) != used.end();
+}
+
 FilterPool::FilterPool(const PipeWireLoop& loop, pw_core* core, std::function<void()> onChange)
     : loop_(loop), mainCore_(core), onChange_(std::move(onChange)) {}
 
@@ -32,20 +36,21 @@ FilterPool::~FilterPool() {
 }
 
 FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
-  std::uint32_t slots = firstSlotCount;
+  std::uint32_t largest = 0;
   Entry* found = nullptr;
   for (Entry& entry : entries_) {
+    const std::uint32_t slots = entry.filter->slotCount();
     if (entry.filter->sinks() != sinks || entry.filter->isBroken()) {
       continue;
     }
-    slots = std::min(entry.filter->slotCount() * nextSlotCountFactor, largestSlotCount);
-    if (std::find(entry.used.begin(), entry.used.end(), false) != entry.used.end()) {
+    largest = std::max(largest, slots);
+    if (entry.hasRoom() && (found == nullptr || slots > found->filter->slotCount())) {
       found = &entry;
-      break;
     }
   }
   if (found == nullptr) {
-    found = make(sinks, slots, now);
+    const std::uint32_t next = std::min(largest * nextSlotCountFactor, largestSlotCount);
+    found = make(sinks, std::max(next, firstSlotCount), now);
   }
   if (found == nullptr) {
     return {};
@@ -54,6 +59,13 @@ FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
   *free = true;
   found->unusedSince = 0;
   return {found->filter.get(), static_cast<std::uint32_t>(free - found->used.begin())};
+}
+
+bool FilterPool::isOutgrown(const CorrectionFilter& filter) const {
+  return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+    return entry.filter->slotCount() > filter.slotCount() && entry.hasRoom() &&
+           !entry.filter->isBroken() && entry.filter->sinks() == filter.sinks();
+  });
 }
 
 FilterPool::Entry* FilterPool::make(const std::vector<SinkLayout>& sinks, std::uint32_t slots,

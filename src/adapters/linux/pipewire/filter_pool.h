@@ -15,8 +15,9 @@ struct FilterSlot {
   explicit operator bool() const { return filter != nullptr; }
 };
 
-/// The filters in use, by the sinks that they span. A full one gets another beside it; one that
-/// is no longer used goes after a while. With the loop's lock held.
+/// The filters in use, by the sinks that they span. A full one gets a larger one beside it, to
+/// which its streams may move; one that is no longer used goes after a while. With the loop's lock
+/// held.
 class FilterPool {
  public:
   /// onChange runs after anything that may bring a filter further.
@@ -26,6 +27,9 @@ class FilterPool {
   /// A free slot on a filter that spans exactly these sinks. None while filters cannot be made.
   FilterSlot take(const std::vector<SinkLayout>& sinks, double now);
   void giveBack(FilterSlot slot);
+
+  /// Whether there is a larger filter for the same sinks that has room.
+  bool isOutgrown(const CorrectionFilter& filter) const;
 
   /// Follows the registry.
   void update(const GraphMirror& mirror);
@@ -41,6 +45,7 @@ class FilterPool {
     std::size_t core = 0;  ///< connection that it lives on
     double unusedSince = 0;
     bool isUnused() const;
+    bool hasRoom() const;
   };
   struct Disconnect {
     void operator()(pw_core* core) const { pw_core_disconnect(core); }

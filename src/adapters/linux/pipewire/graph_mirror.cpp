@@ -50,7 +50,7 @@ void GraphMirror::added(std::uint32_t id, std::uint32_t permissions, const std::
   if (type == PW_TYPE_INTERFACE_Core) {
     mayLink_ = (permissions & PW_PERM_X) != 0;
   } else if (type == PW_TYPE_INTERFACE_Client) {
-    clients_[id] = {nextSerial_++, std::move(properties), false};
+    clients_[id] = {nextSerial_++, mediaTime(), std::move(properties), false};
   } else if (type == PW_TYPE_INTERFACE_Node) {
     addNode(id, std::move(properties));
   } else if (type == PW_TYPE_INTERFACE_Port) {
@@ -107,6 +107,7 @@ void GraphMirror::addLink(std::uint32_t id, const PropertyMap& properties) {
   record.inputNode = numberOf(properties, PW_KEY_LINK_INPUT_NODE);
   record.inputPort = numberOf(properties, PW_KEY_LINK_INPUT_PORT);
   record.serial = nextSerial_++;
+  record.since = mediaTime();
   links_[id] = record;
   const auto output = nodes_.find(record.outputNode);
   const auto input = nodes_.find(record.inputNode);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <charconv>
+#include <chrono>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -45,12 +46,18 @@ struct RouteRecord {
 
 enum class NodeKind { stream, sink, other };
 
+/// Seconds, on the clock that all media times here are of.
+inline double mediaTime() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
 // Records of the server's objects, keyed by their global id in GraphMirror.
 
 // The server gives an id again at once: `serial` tells two objects with the same id apart.
 
 struct ClientRecord {
   std::uint64_t serial = 0;  ///< rises with each object that appears
+  double since = 0;          ///< media time of its appearance
   PropertyMap properties;
   bool isComplete = false;  ///< the full properties have arrived, not only the announced ones
 };
@@ -81,6 +88,7 @@ struct LinkRecord {
   std::uint32_t inputPort = 0;
   bool wasActive = false;  ///< has carried samples since it was made
   std::uint64_t serial = 0;
+  double since = 0;  ///< media time of its appearance
 };
 
 struct CardRecord {

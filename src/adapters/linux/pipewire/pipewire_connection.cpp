@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <utility>
 
@@ -47,8 +46,7 @@ PipeWireConnection::~PipeWireConnection() {
 }
 
 double PipeWireConnection::now() {
-  const auto since = std::chrono::steady_clock::now().time_since_epoch();
-  return std::chrono::duration<double>(since).count();
+  return mediaTime();
 }
 
 void PipeWireConnection::open() {

@@ -6,14 +6,27 @@ namespace plemora {
 
 namespace {
 
-// A server that refuses a link keeps refusing it.
-constexpr int maxAttempts = 16;
+// The waiting times below double with each failed attempt, this often: a busy server is not helped
+// by more requests.
+constexpr int longestBackoff = 5;
+
+// From this many failures on, an input is looked at less often.
+constexpr int manyFailures = 4;
+constexpr double lookSeconds = 0.01;
+constexpr double seldomLookSeconds = 0.25;
 
 // A link that is on, in a filter that has run this often since, would have delivered long ago. Now
 // and then the library loses the buffers of a link that is made while its stream starts; a new link
 // gets new ones.
 constexpr double deafSeconds = 0.03;
 constexpr std::uint64_t deafCycles = 3;
+
+// A request for a link to a stream that plays is answered within moments. Under load the server
+// now and then loses one without a word.
+constexpr double answerSeconds = 0.5;
+
+// A refused link may be possible a moment later: its ports may have been on their way.
+constexpr double retrySeconds = 0.005;
 
 // A filter that has not been called for this long is at rest, whatever its sink's quantum.
 constexpr double restSeconds = 0.3;
@@ -28,7 +41,7 @@ std::vector<DirectLink> directLinks(const GraphMirror& mirror, std::uint32_t str
     const auto port = std::find(layout.ports.begin(), layout.ports.end(), link.inputPort);
     if (link.outputNode == stream && port != layout.ports.end()) {
       const auto channel = static_cast<std::uint32_t>(port - layout.ports.begin());
-      direct.push_back({id, link.outputPort, channel, link.wasActive});
+      direct.push_back({id, link.outputPort, channel, link.wasActive, link.since});
     }
   }
   return direct;
@@ -43,7 +56,7 @@ std::vector<DirectLink> expectedLinks(const GraphMirror& mirror, std::uint32_t s
     for (const auto& [id, port] : mirror.ports()) {
       if (port.nodeId == stream && !port.isInput && !port.isControl && !name.empty() &&
           port.channel == name) {
-        expected.push_back({0, id, channel, false});
+        expected.push_back({0, id, channel, false, 0});
       }
     }
   }
@@ -88,19 +101,23 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
              });
     };
     std::erase_if(links_, [&](const InputLink& input) { return !isWanted(input); });
-    attempts_ += static_cast<int>(std::erase_if(links_, [&](InputLink& input) {
+    const auto failed = std::erase_if(links_, [&](InputLink& input) {
       return input.link->isGone() || (streamRuns && isDeaf(input, now));
-    }));
+    });
+    if (failed > 0) {
+      ++failures_;
+      retryAt_ = now + retrySeconds * backoff();
+    }
     for (const DirectLink& link : wanted) {
       const bool known = std::any_of(links_.begin(), links_.end(), [&](const InputLink& input) {
         return input.port == link.port && input.channel == link.channel;
       });
-      if (known || attempts_ >= maxAttempts || link.channel >= renderSlot_->channels) {
+      if (known || now < retryAt_ || link.channel >= renderSlot_->channels) {
         continue;
       }
       if (auto made = slot_.filter->linkInput(slot_.index, link.channel, stream_, link.port)) {
         renderSlot_->seenChannels.fetch_and(~(1u << link.channel), std::memory_order_relaxed);
-        links_.push_back({link.port, link.channel, std::move(made)});
+        links_.push_back({link.port, link.channel, std::move(made), now});
       }
     }
     wanted_ = wanted.empty() ? links_.size() : wanted.size();
@@ -110,7 +127,7 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
     }
     renderSlot_->linkedChannels.store(linked, std::memory_order_relaxed);
     if (isReady(streamRuns, true)) {
-      attempts_ = 0;
+      failures_ = 0;
     }
   }
   // A link made while the stream rests starts together with ours; one made while it plays counts
@@ -120,7 +137,8 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
   std::uint32_t waiting = 0;
   for (const DirectLink& link : direct) {
     const std::uint32_t bit = link.channel < 32 ? 1u << link.channel : 0u;
-    if (link.wasActive || !streamRuns || countedDirect_.contains(link.id)) {
+    if (link.wasActive || !streamRuns || countedDirect_.contains(link.id) ||
+        now - link.since > answerSeconds) {
       counted.insert(link.id);
       carrying |= bit;
     } else {
@@ -129,32 +147,45 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
   }
   countedDirect_ = std::move(counted);
   isDirect_ = carrying != 0 && waiting == 0;
+  awaitsDirect_ = waiting != 0;
   renderSlot_->directChannels.store(carrying & ~waiting, std::memory_order_relaxed);
 }
 
+bool Placement::hasHeard(const InputLink& input) const {
+  return (renderSlot_->seenChannels.load(std::memory_order_relaxed) >> input.channel & 1u) != 0;
+}
+
 bool Placement::isDeaf(InputLink& input, double now) {
-  const bool seen =
-      (renderSlot_->seenChannels.load(std::memory_order_relaxed) >> input.channel & 1u) != 0;
-  if (seen || !input.link->isActive()) {
+  if (!input.link->isActive()) {
     input.activeSince = 0;
+    return now - input.madeAt > answerSeconds * backoff();
+  }
+  if (hasHeard(input)) {
     return false;
   }
   if (input.activeSince == 0) {
     input.activeSince = now;
     input.cyclesAtStart = slot_.filter->cycles();
   }
-  return now - input.activeSince > deafSeconds &&
+  return now - input.activeSince > deafSeconds * backoff() &&
          slot_.filter->cycles() - input.cyclesAtStart >= deafCycles;
 }
 
-bool Placement::isWaiting(bool streamRuns) const {
-  if (!streamRuns || phase_ == Phase::leaving || attempts_ >= maxAttempts) {
-    return false;
+double Placement::backoff() const {
+  return 1 << std::min(failures_, longestBackoff);
+}
+
+double Placement::nextLook(bool streamRuns) const {
+  const bool isWaiting =
+      phase_ != Phase::leaving &&
+      (links_.size() < wanted_ || awaitsDirect_ ||
+       (streamRuns && std::any_of(links_.begin(), links_.end(), [this](const InputLink& input) {
+          return !input.link->isActive() || !hasHeard(input);
+        })));
+  if (!isWaiting) {
+    return 0;
   }
-  const std::uint32_t seen = renderSlot_->seenChannels.load(std::memory_order_relaxed);
-  return std::any_of(links_.begin(), links_.end(), [&](const InputLink& input) {
-    return input.link->isActive() && (seen >> input.channel & 1u) == 0;
-  });
+  return failures_ < manyFailures ? lookSeconds : seldomLookSeconds;
 }
 
 bool Placement::isReady(bool streamRuns, bool takesOver) const {

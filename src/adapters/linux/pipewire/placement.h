@@ -17,6 +17,7 @@ struct DirectLink {
   std::uint32_t port = 0;     ///< of the stream
   std::uint32_t channel = 0;  ///< of the sink
   bool wasActive = false;
+  double since = 0;  ///< media time of its appearance
 };
 
 /// The direct links of a stream to one sink.
@@ -64,8 +65,8 @@ class Placement {
   bool isReady(bool streamRuns, bool takesOver) const;
   /// The stream's direct links are there and carry samples, or will from their start on.
   bool isDirect() const { return isDirect_; }
-  /// Waits for an input to deliver: follow is due again soon.
-  bool isWaiting(bool streamRuns) const;
+  /// Seconds until follow is due again for a link that has yet to deliver; 0 for never.
+  double nextLook(bool streamRuns) const;
 
   /// It was ready while the direct path was not: from the first sample on, nothing is to be faded.
   bool wasAhead = false;
@@ -85,11 +86,14 @@ class Placement {
     std::uint32_t port;
     std::uint32_t channel;
     std::unique_ptr<FilterLink> link;
+    double madeAt = 0;                ///< media time
     double activeSince = 0;           ///< media time; 0 = nothing can come yet
     std::uint64_t cyclesAtStart = 0;  ///< of the filter, then
   };
 
+  bool hasHeard(const InputLink& input) const;
   bool isDeaf(InputLink& input, double now);
+  double backoff() const;
 
   std::uint64_t correction_;
   std::uint32_t stream_;
@@ -101,8 +105,10 @@ class Placement {
   std::vector<InputLink> links_;
   std::size_t wanted_ = 0;  ///< number of links that there should be
   bool isDirect_ = false;
+  bool awaitsDirect_ = false;  ///< the direct links are there and have not been said to be on
   std::set<std::uint32_t> countedDirect_;  ///< ids of direct links that carry samples
-  int attempts_ = 0;                       ///< links that the server has refused or removed
+  int failures_ = 0;                       ///< of links since the last time that all was well
+  double retryAt_ = 0;                     ///< media time before which no link is made anew
   double leftAt_ = 0;
   std::uint64_t cyclesWhenLeft_ = 0;
 };
