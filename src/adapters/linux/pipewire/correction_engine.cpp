@@ -104,15 +104,12 @@ void CorrectionEngine::claimStreams(const GraphMirror& mirror, const AudioObject
   }
 }
 
-// Whether the placement is just what its stream needs, or will need. One on a filter that has been
-// outgrown moves to the larger one: an app's streams belong together, and fewer filters cost less.
+// Whether the placement is just what its stream needs, or will need.
 bool CorrectionEngine::isWanted(const Placement& placement) const {
   const auto* claim = claims_.find(placement.stream(), placement.home());
   const CorrectionFilter& filter = *placement.slot().filter;
-  const bool isOutgrown =
-      placement.phase() == Placement::Phase::live && filters_.isOutgrown(filter);
   return claim != nullptr && claim->correction == placement.correction() &&
-         placement.phase() != Placement::Phase::leaving && !filter.isBroken() && !isOutgrown &&
+         placement.phase() != Placement::Phase::leaving && !filter.isBroken() &&
          filter.sinks() == claim->sinks;
 }
 
@@ -239,7 +236,7 @@ void CorrectionEngine::removeFaded(const GraphMirror& mirror, double now) {
   // The real-time thread lets go of the slots before they are freed.
   installPlans();
   for (const Placement& placement : gone) {
-    filters_.giveBack(placement.slot());
+    filters_.giveBack(placement.slot(), now);
   }
 }
 

@@ -1,6 +1,7 @@
 #include "adapters/linux/pipewire/filter_pool.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace plemora {
@@ -9,22 +10,29 @@ namespace {
 
 // A desktop has a few players; a studio may have many: each further filter for the same sinks is
 // larger, since every port costs the server memory and an announcement to all clients.
-constexpr std::uint32_t firstSlotCount = 4;
-constexpr std::uint32_t nextSlotCountFactor = 4;
+constexpr std::uint32_t firstSlotCount = 8;
+constexpr std::uint32_t nextSlotCountFactor = 8;
 constexpr std::uint32_t largestSlotCount = 64;
 
 constexpr std::size_t filtersPerCore = 24;
 constexpr double keepUnusedSeconds = 2.0;
+
+// For a moment after its links have been dropped, an input still has the buffers of its last
+// stream. They must not be taken for the next one's.
+constexpr double slotRestSeconds = 0.5;
+constexpr double inUse = std::numeric_limits<double>::infinity();
 constexpr double retryBrokenSeconds = 1.0;
 
 }  // namespace
 
 bool FilterPool::Entry::isUnused() const {
-  return std::find(used.begin(), used.end(), true) == used.end();
+  return std::find(freeFrom.begin(), freeFrom.end(), inUse) == freeFrom.end();
 }
 
-bool FilterPool::Entry::hasRoom() const {
-  return std::find(used.begin(), used.end(), false) != used.end();
+std::size_t FilterPool::Entry::freeSlot(double now) const {
+  const auto free =
+      std::find_if(freeFrom.begin(), freeFrom.end(), [now](double from) { return from <= now; });
+  return static_cast<std::size_t>(free - freeFrom.begin());
 }
 
 FilterPool::FilterPool(const PipeWireLoop& loop, pw_core* core, std::function<void()> onChange)
@@ -44,7 +52,7 @@ FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
       continue;
     }
     largest = std::max(largest, slots);
-    if (entry.hasRoom() && (found == nullptr || slots > found->filter->slotCount())) {
+    if (entry.freeSlot(now) < slots && (found == nullptr || slots > found->filter->slotCount())) {
       found = &entry;
     }
   }
@@ -55,17 +63,10 @@ FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
   if (found == nullptr) {
     return {};
   }
-  const auto free = std::find(found->used.begin(), found->used.end(), false);
-  *free = true;
+  const std::size_t slot = found->freeSlot(now);
+  found->freeFrom[slot] = inUse;
   found->unusedSince = 0;
-  return {found->filter.get(), static_cast<std::uint32_t>(free - found->used.begin())};
-}
-
-bool FilterPool::isOutgrown(const CorrectionFilter& filter) const {
-  return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-    return entry.filter->slotCount() > filter.slotCount() && entry.hasRoom() &&
-           !entry.filter->isBroken() && entry.filter->sinks() == filter.sinks();
-  });
+  return {found->filter.get(), static_cast<std::uint32_t>(slot)};
 }
 
 FilterPool::Entry* FilterPool::make(const std::vector<SinkLayout>& sinks, std::uint32_t slots,
@@ -84,7 +85,7 @@ FilterPool::Entry* FilterPool::make(const std::vector<SinkLayout>& sinks, std::u
     retryAt_ = now + retryBrokenSeconds;
     return nullptr;
   }
-  entry.used.resize(slots, false);
+  entry.freeFrom.resize(slots, 0.0);
   entries_.push_back(std::move(entry));
   return &entries_.back();
 }
@@ -106,10 +107,10 @@ pw_core* FilterPool::coreWithRoom(std::size_t& index) {
   }
 }
 
-void FilterPool::giveBack(FilterSlot slot) {
+void FilterPool::giveBack(FilterSlot slot, double now) {
   for (Entry& entry : entries_) {
     if (entry.filter.get() == slot.filter) {
-      entry.used[slot.index] = false;
+      entry.freeFrom[slot.index] = now + slotRestSeconds;
     }
   }
 }

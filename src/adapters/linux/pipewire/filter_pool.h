@@ -26,10 +26,7 @@ class FilterPool {
 
   /// A free slot on a filter that spans exactly these sinks. None while filters cannot be made.
   FilterSlot take(const std::vector<SinkLayout>& sinks, double now);
-  void giveBack(FilterSlot slot);
-
-  /// Whether there is a larger filter for the same sinks that has room.
-  bool isOutgrown(const CorrectionFilter& filter) const;
+  void giveBack(FilterSlot slot, double now);
 
   /// Follows the registry.
   void update(const GraphMirror& mirror);
@@ -41,11 +38,13 @@ class FilterPool {
  private:
   struct Entry {
     std::unique_ptr<CorrectionFilter> filter;
-    std::vector<bool> used;
+    /// By slot: media time from which it is free; infinity while it is used.
+    std::vector<double> freeFrom;
     std::size_t core = 0;  ///< connection that it lives on
     double unusedSince = 0;
     bool isUnused() const;
-    bool hasRoom() const;
+    /// A slot that is free, or the number of slots.
+    std::size_t freeSlot(double now) const;
   };
   struct Disconnect {
     void operator()(pw_core* core) const { pw_core_disconnect(core); }
