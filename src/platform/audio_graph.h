@@ -64,7 +64,8 @@ class AudioGraph {
   /// queues; others run it on their own real-time thread.
   virtual OSStatus createIOProc(AudioObjectID device, std::shared_ptr<SerialQueue> queue,
                                 AudioIOBlock block, AudioDeviceIOProcID& proc) = 0;
-  /// When it returns, the block is not running and is never called again.
+  /// The block is let go of once the adapter has faded it out, at the latest a quarter of a second
+  /// later: it must own whatever it uses.
   virtual OSStatus destroyIOProc(AudioObjectID device, AudioDeviceIOProcID proc) = 0;
 
   virtual OSStatus start(AudioObjectID device, AudioDeviceIOProcID proc) = 0;

@@ -156,6 +156,13 @@ inline void copyWithGain(AudioBufferList in, AudioBufferList out, float gain) {
 
 /// A tap of one process with an aggregate device and an IO proc that applies a gain.
 class ContractTap {
+  // The block may outlive the tap for a moment.
+  struct State {
+    std::atomic<float> gain{1.0F};
+    std::atomic<int> cycles{0};
+  };
+  std::shared_ptr<State> state_ = std::make_shared<State>();
+
  public:
   ContractTap(AudioWorld& world, AudioObjectID process, const std::string& sourceUID,
               const std::string& targetUID, const std::string& uuid)
@@ -178,9 +185,9 @@ class ContractTap {
     EXPECT_EQ(graph_.createAggregateDevice(aggregate, device), noErr);
     EXPECT_EQ(graph_.createIOProc(
                   device, world.makeIOQueue(),
-                  [this](AudioBufferList in, AudioBufferList out) {
-                    ++cycles;
-                    copyWithGain(in, out, gain);
+                  [state = state_](AudioBufferList in, AudioBufferList out) {
+                    ++state->cycles;
+                    copyWithGain(in, out, state->gain);
                   },
                   proc),
               noErr);
@@ -197,8 +204,8 @@ class ContractTap {
   ContractTap(const ContractTap&) = delete;
   ContractTap& operator=(const ContractTap&) = delete;
 
-  std::atomic<float> gain{1.0F};
-  std::atomic<int> cycles{0};
+  std::atomic<float>& gain = state_->gain;
+  std::atomic<int>& cycles = state_->cycles;
   AudioObjectID device = kAudioObjectUnknown;
   AudioDeviceIOProcID proc = nullptr;
 
