@@ -142,14 +142,19 @@ class TapCycle {
   // Notes which inputs deliver, also of slots that are still waiting to be heard. False while
   // there is one that never has.
   bool isFed(CorrectionSlot& slot) {
-    std::uint32_t seen = slot.seenChannels.load(std::memory_order_relaxed);
     const std::uint32_t linked = slot.linkedChannels.load(std::memory_order_relaxed);
-    if ((linked & ~seen) != 0) {
-      std::uint32_t now = 0;
-      for (std::uint32_t c = 0; c < std::min(slot.channels, maxCorrectionChannels); ++c) {
-        now |= portInput(slot, c) != nullptr ? 1u << c : 0u;
-      }
+    std::uint32_t now = 0;
+    for (std::uint32_t c = 0; c < std::min(slot.channels, maxCorrectionChannels); ++c) {
+      now |= portInput(slot, c) != nullptr ? 1u << c : 0u;
+    }
+    std::uint32_t seen = slot.seenChannels.load(std::memory_order_relaxed);
+    if ((now & ~seen) != 0) {
       seen |= slot.seenChannels.fetch_or(now, std::memory_order_relaxed) | now;
+    }
+    const std::uint32_t silent = slot.silentCycles.load(std::memory_order_relaxed);
+    const std::uint32_t counted = (linked & ~now) != 0 ? silent + 1 : 0;
+    if (counted != silent) {
+      slot.silentCycles.store(counted, std::memory_order_relaxed);
     }
     return linked != 0 && (linked & ~seen) == 0;
   }

@@ -29,6 +29,9 @@ struct CorrectionSlot {
   /// Bit per channel: samples have arrived since the event thread cleared it, at whatever weight.
   /// A slot takes part from the cycle on in which all linked channels have been seen.
   std::atomic<std::uint32_t> seenChannels = 0;
+  /// Cycles in a row in which a linked channel that had delivered did not. Counted by the real-time
+  /// thread, cleared by the event thread.
+  std::atomic<std::uint32_t> silentCycles = 0;
   /// Bit per channel: the stream's direct link to the sink carries samples. Set by the event
   /// thread.
   std::atomic<std::uint32_t> directChannels = 0;

@@ -10,6 +10,12 @@ namespace {
 // by more requests.
 constexpr int longestBackoff = 5;
 
+// An input that has been empty for this many cycles while its stream plays has lost its buffers.
+constexpr std::uint32_t lostCycles = 30;
+
+// How often a stream that plays is looked at for that.
+constexpr double healthySeconds = 1.0;
+
 // From this many failures on, an input is looked at less often.
 constexpr int manyFailures = 4;
 constexpr double lookSeconds = 0.01;
@@ -101,6 +107,15 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
              });
     };
     std::erase_if(links_, [&](const InputLink& input) { return !isWanted(input); });
+    if (streamRuns && phase_ == Phase::live &&
+        renderSlot_->silentCycles.load(std::memory_order_relaxed) > lostCycles) {
+      // All are to be heard anew; those that are not get a new link.
+      renderSlot_->silentCycles.store(0, std::memory_order_relaxed);
+      renderSlot_->seenChannels.store(0, std::memory_order_relaxed);
+      for (InputLink& input : links_) {
+        input.activeSince = 0;
+      }
+    }
     const auto failed = std::erase_if(links_, [&](InputLink& input) {
       return input.link->isGone() || (streamRuns && isDeaf(input, now));
     });
@@ -183,7 +198,7 @@ double Placement::nextLook(bool streamRuns) const {
           return !input.link->isActive() || !hasHeard(input);
         })));
   if (!isWaiting) {
-    return 0;
+    return streamRuns && phase_ == Phase::live ? healthySeconds : 0;
   }
   return failures_ < manyFailures ? lookSeconds : seldomLookSeconds;
 }
