@@ -209,6 +209,24 @@ TEST_F(CorrectionRendererTest, ASlotStartsWithTheFirstSamplesOnAllItsChannels) {
   EXPECT_EQ(left[7] + out(0, 0)[7], 0.0f);
 }
 
+TEST_F(CorrectionRendererTest, CountsTheCyclesInWhichALinkedInputStaysEmpty) {
+  ports.stream(0, 1.0f);
+  ports.stream(1, 1.0f);
+  ports.sink(0, 2);
+  Tap tap(0.5f);
+  const auto slot = slotAt(0);
+  const CorrectionPlan plan{{&tap.block, 0, {slot.get()}}};
+  cycle(plan);
+  EXPECT_EQ(slot->silentCycles.load(), 0u);
+  const auto right = ports.inputs.extract(1);
+  cycle(plan);
+  cycle(plan);
+  EXPECT_EQ(slot->silentCycles.load(), 2u);
+  ports.inputs[1] = right.mapped();
+  cycle(plan);
+  EXPECT_EQ(slot->silentCycles.load(), 0u);
+}
+
 TEST_F(CorrectionRendererTest, ACycleLongerThanTheBuffersIsCutIntoPieces) {
   constexpr std::uint32_t length = CorrectionScratch::maxFrames + 100;
   const auto left = ports.stream(0, 1.0f, length);
