@@ -1,9 +1,18 @@
 #pragma once
 
+#include <compare>
 #include <optional>
 #include <string>
 
 namespace plemora {
+
+struct SystemVersion {
+  int major = 0;
+  int minor = 0;
+  int patch = 0;
+
+  auto operator<=>(const SystemVersion&) const = default;
+};
 
 /// Facts about the machine. Any thread but the real-time ones.
 class SystemInfo {
@@ -15,6 +24,12 @@ class SystemInfo {
 
   /// Whether a power source of type "InternalBattery" is present.
   virtual bool hasInternalBattery() = 0;
+
+  /// Of the operating system; {0, 0, 0} when it cannot be read.
+  virtual SystemVersion version() = 0;
+
+  /// Where this copy of the program lies: its bundle, or the file that was started.
+  virtual std::string bundlePath() = 0;
 };
 
 }  // namespace plemora

@@ -48,6 +48,10 @@ class Workspace {
 
   /// The icon of an application that has none of its own.
   virtual Image genericApplicationIcon() = 0;
+
+  /// Opens a URL with whatever the desktop has for it. The links of the Mac's settings are mapped
+  /// to the desktop's own. False when nothing could be started.
+  virtual bool openURL(const std::string& url) = 0;
 };
 
 }  // namespace plemora

@@ -19,13 +19,21 @@ ROOMS = {
     "audio/render": ["platform"],
     "devices": ["audio/objects"],
     "audio": ["audio/objects", "audio/render", "devices"],
+    "skin/look": ["platform"],
+    "app/services": ["platform"],
+    "menubar": ["audio", "devices", "skin/look", "app/services"],
+    "glass": ["skin/look"],
+    "views": ["menubar", "glass"],
     "adapters/stage": ["audio"],
     "adapters/linux/desktop": ["audio"],
     "adapters/linux/pipewire": ["audio", "adapters/linux/desktop"],
     "adapters/linux/dbus": ["audio"],
+    "adapters/linux/windows": ["views", "adapters/linux/desktop"],
+    "adapters/linux/tray": ["views", "adapters/linux/desktop"],
     "main/process": [],
     "main/ctl": ["adapters/linux/dbus", "main/process"],
-    "main": ["main/ctl", "main/process", "adapters/linux/pipewire", "adapters/stage"],
+    "main": ["main/ctl", "main/process", "adapters/linux/pipewire", "adapters/linux/windows",
+             "adapters/linux/tray", "adapters/stage"],
 }
 
 # Rooms that know nothing of an operating system or a toolkit: the C++ standard library (names
@@ -36,6 +44,10 @@ PORTABLE = {
     "audio/objects": set(),
     "audio/render": {"arm_neon.h", "emmintrin.h", "immintrin.h"},
     "devices": set(),
+    "skin/look": set(),
+    "app/services": set(),
+    "menubar": set(),
+    "glass": {"arm_neon.h", "emmintrin.h", "immintrin.h"},
     "audio": {"nlohmann/json.hpp"},
     "adapters/stage": {"nlohmann/json.hpp"},
 }

@@ -12,6 +12,8 @@ class ScriptedSystemInfo : public SystemInfo {
  public:
   std::optional<std::string> model = "Mac16,10";
   bool battery = false;
+  SystemVersion systemVersion{26, 4, 0};
+  std::string path = "/Applications/Plemora.app";
   int modelReads = 0;
   int batteryReads = 0;
 
@@ -23,6 +25,8 @@ class ScriptedSystemInfo : public SystemInfo {
     ++batteryReads;
     return battery;
   }
+  SystemVersion version() override { return systemVersion; }
+  std::string bundlePath() override { return path; }
 };
 
 }  // namespace plemora

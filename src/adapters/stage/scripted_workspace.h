@@ -21,6 +21,12 @@ class ScriptedWorkspace : public Workspace {
   std::optional<std::int32_t> responsiblePid(std::int32_t pid) override;
   std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
   Image genericApplicationIcon() override { return {"application-x-executable"}; }
+  bool openURL(const std::string& url) override {
+    openedURLs.push_back(url);
+    return true;
+  }
+
+  std::vector<std::string> openedURLs;
 
  private:
   std::vector<RunningApplication> running_;

@@ -35,6 +35,11 @@ std::optional<std::string> LinuxSystemInfo::hardwareModel() {
   return std::nullopt;
 }
 
+std::string LinuxSystemInfo::bundlePath() {
+  std::error_code error;
+  return fs::read_symlink(root_ / "proc/self/exe", error).string();
+}
+
 bool LinuxSystemInfo::hasInternalBattery() {
   std::error_code error;
   for (fs::directory_iterator supply(root_ / "sys/class/power_supply", error), end;

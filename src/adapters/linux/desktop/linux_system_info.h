@@ -19,6 +19,12 @@ class LinuxSystemInfo : public SystemInfo {
   /// A battery of the machine itself; those of mice and headsets do not count.
   bool hasInternalBattery() override;
 
+  /// The Mac's release whose look and behaviour the program has on Linux.
+  SystemVersion version() override { return {26, 4, 0}; }
+
+  /// The file that was started; empty when it cannot be told.
+  std::string bundlePath() override;
+
  private:
   std::filesystem::path root_;
 };

@@ -3,6 +3,8 @@
 #include <set>
 #include <utility>
 
+#include "adapters/linux/desktop/url_opener.h"
+
 namespace plemora {
 
 LinuxWorkspace::LinuxWorkspace(const DesktopPaths& paths,
@@ -64,6 +66,10 @@ std::optional<InstalledApplication> LinuxWorkspace::installedApplication(
 
 Image LinuxWorkspace::genericApplicationIcon() {
   return Image{"application-x-executable"};
+}
+
+bool LinuxWorkspace::openURL(const std::string& url) {
+  return openWithDesktop(url);
 }
 
 }  // namespace plemora

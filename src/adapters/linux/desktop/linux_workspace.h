@@ -35,6 +35,7 @@ class LinuxWorkspace : public Workspace {
   std::optional<std::int32_t> responsiblePid(std::int32_t pid) override;
   std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
   Image genericApplicationIcon() override;
+  bool openURL(const std::string& url) override;
 
  private:
   std::shared_ptr<const ClientDirectory> clients_;

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+
+namespace plemora {
+
+/// A view that fills a panel, with its own size across. Main thread.
+class HostedView {
+ public:
+  virtual ~HostedView() = default;
+
+  /// Builds what is not built yet, lays out, and says how high the view wants to be, in points; 0
+  /// when it does not know.
+  virtual double fittingHeight() = 0;
+
+  /// Called, later in the same turn of the main loop or in the next, whenever that height has
+  /// changed.
+  virtual void setHeightHandler(std::function<void(double height)> handler) = 0;
+
+  /// While it is false the view runs no animation and no timer.
+  virtual void setVisible(bool isVisible) = 0;
+};
+
+}  // namespace plemora
