@@ -200,7 +200,7 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
       placement.wasAhead = true;
       continue;
     }
-    arriving.emplace_back(&placement, !runs || placement.wasAhead);
+    arriving.emplace_back(&placement, placement.isBeforeFirstSample(runs) || placement.wasAhead);
     for (Placement* other : others) {
       replaced.emplace_back(other, placement.wasAhead);
     }

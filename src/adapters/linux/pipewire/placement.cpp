@@ -100,6 +100,11 @@ Placement::Placement(std::uint64_t correction, std::uint32_t stream, std::uint64
 
 void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<DirectLink>& direct,
                        bool streamRuns, double now) {
+  sawRest_ = sawRest_ || !streamRuns;
+  if (streamRuns && sawRest_ && !sawStart_) {
+    sawStart_ = true;
+    cyclesAtStart_ = slot_.filter->cycles();
+  }
   if (phase_ != Phase::leaving) {
     const auto isWanted = [&](const InputLink& input) {
       return wanted.empty() || std::any_of(wanted.begin(), wanted.end(), [&](const auto& link) {
@@ -214,6 +219,10 @@ bool Placement::isReady(bool streamRuns, bool takesOver) const {
   const std::uint32_t unseen = renderSlot_->linkedChannels.load(std::memory_order_relaxed) &
                                ~renderSlot_->seenChannels.load(std::memory_order_relaxed);
   return slot_.filter->outputsActive() && (!takesOver || unseen == 0);
+}
+
+bool Placement::isBeforeFirstSample(bool streamRuns) const {
+  return !streamRuns || (sawStart_ && slot_.filter->cycles() == cyclesAtStart_);
 }
 
 void Placement::goLive(bool atOnce) {

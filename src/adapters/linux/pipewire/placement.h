@@ -68,6 +68,10 @@ class Placement {
   /// Seconds until follow is due again for a link that has yet to deliver; 0 for never.
   double nextLook(bool streamRuns) const;
 
+  /// Nothing of the stream can have been heard since this placement was made: it does not run, or
+  /// no cycle has passed since it began to.
+  bool isBeforeFirstSample(bool streamRuns) const;
+
   /// It was ready while the direct path was not: from the first sample on, nothing is to be faded.
   bool wasAhead = false;
 
@@ -107,6 +111,9 @@ class Placement {
   bool isDirect_ = false;
   bool awaitsDirect_ = false;  ///< the direct links are there and have not been said to be on
   std::set<std::uint32_t> countedDirect_;  ///< ids of direct links that carry samples
+  bool sawRest_ = false;                   ///< the stream did not run at first
+  bool sawStart_ = false;                  ///< and then began to
+  std::uint64_t cyclesAtStart_ = 0;        ///< of the filter, then
   int failures_ = 0;                       ///< of links since the last time that all was well
   double retryAt_ = 0;                     ///< media time before which no link is made anew
   double leftAt_ = 0;
