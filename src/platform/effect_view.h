@@ -62,6 +62,7 @@ class EffectView {
   virtual std::shared_ptr<EffectLayer> layer() = 0;
   virtual Rect bounds() = 0;
   /// Shows a layer of ours between the system's, at that index from the bottom; null takes it away.
+  /// The layer that is shown already keeps its place, and its record is read again.
   virtual void setOverlay(std::shared_ptr<Layer> overlay, int index) = 0;
 };
 
