@@ -9,6 +9,8 @@
 
 namespace plemora {
 
+class PopUpWindow;
+
 struct PopUpMenuItem {
   std::string title;  ///< empty: a separator
   std::function<void()> action;
@@ -35,8 +37,11 @@ class PopUpMenu {
   void setItems(std::vector<PopUpMenuItem> items);
 
  private:
-  class Window;
-  std::unique_ptr<Window> window_;
+  /// Destroyed later: what ends the menu is often called by its window.
+  struct Dismiss {
+    void operator()(PopUpWindow* window) const;
+  };
+  std::unique_ptr<PopUpWindow, Dismiss> window_;
 };
 
 }  // namespace plemora

@@ -1,0 +1,88 @@
+#include "adapters/linux/tray/tray_place.h"
+
+#include <algorithm>
+
+namespace plemora {
+
+namespace {
+
+constexpr int usualThickness = 24;
+
+}  // namespace
+
+QRect TrayPlace::squareIn(const QRect& panel, QPoint point) {
+  const int side = std::min(panel.width(), panel.height());
+  const auto start = [side](int at, int from, int length) {
+    return std::clamp(at - side / 2, from, from + length - side);
+  };
+  return panel.width() >= panel.height()
+             ? QRect(start(point.x(), panel.left(), panel.width()), panel.top(), side, side)
+             : QRect(panel.left(), start(point.y(), panel.top(), panel.height()), side, side);
+}
+
+void TrayPlace::clicked(QPoint reported) {
+  // The pointer is where the click was, in the server's own pixels, whatever the host makes of it;
+  // but not when the item was chosen by a key.
+  if (x11_) {
+    if (const auto pointer = x11_->pointer(); pointer && panelAt(*pointer)) {
+      click_ = pointer;
+      return;
+    }
+  }
+  if (!reported.isNull()) {
+    click_ = reported;
+  }
+}
+
+std::optional<QRect> TrayPlace::frame() {
+  if (click_) {
+    if (const auto panel = panelAt(*click_)) {
+      return squareIn(panel->rect, *click_);
+    }
+    return QRect(click_->x() - usualThickness / 2, click_->y() - usualThickness / 2, usualThickness,
+                 usualThickness);
+  }
+  if (const auto panel = anyPanel()) {
+    return squareIn(panel->rect, panel->rect.bottomRight());
+  }
+  return std::nullopt;
+}
+
+std::optional<TrayShade> TrayPlace::shade() {
+  const auto panel = click_ ? panelAt(*click_) : anyPanel();
+  if (!panel) {
+    return std::nullopt;
+  }
+  const QImage image = x11_->picture(panel->window, QRect(QPoint(), panel->rect.size()));
+  if (image.isNull()) {
+    return std::nullopt;
+  }
+  // A panel that is mostly transparent tells nothing: dark and light come out the same then.
+  const TrayShade guess = shadeOf(image, TrayShade::dark);
+  return guess == shadeOf(image, TrayShade::light) ? std::optional(guess) : std::nullopt;
+}
+
+std::optional<TrayPlace::Panel> TrayPlace::panelAt(QPoint point) {
+  std::optional<Panel> found;
+  if (x11_) {
+    for (const xcb_window_t window : x11_->docks()) {
+      if (const auto rect = x11_->shownRect(window); rect && rect->contains(point)) {
+        found = Panel{window, *rect};
+      }
+    }
+  }
+  return found;
+}
+
+std::optional<TrayPlace::Panel> TrayPlace::anyPanel() {
+  if (x11_) {
+    for (const xcb_window_t window : x11_->docks()) {
+      if (const auto rect = x11_->shownRect(window)) {
+        return Panel{window, *rect};
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace plemora
