@@ -39,6 +39,8 @@ class FakePorts : public CorrectionPorts {
     }
   }
 
+  const std::vector<float>& heard(std::uint32_t group) { return outputs.at({group, 1}); }
+
   std::map<std::uint32_t, std::vector<float>> inputs;
   std::map<std::pair<std::uint32_t, std::uint32_t>, std::vector<float>> outputs;
 };
@@ -74,7 +76,7 @@ class CorrectionRendererTest : public testing::Test {
   void cycle(const CorrectionPlan& plan, std::vector<std::uint32_t> groups = {2},
              std::uint32_t length = frames) {
     const RealtimeGuard::Scope scope;
-    renderCorrections(plan, groups, length, ports, scratch);
+    renderCorrections(plan, groups, ++cycles, length, ports, scratch);
   }
   const std::vector<float>& out(std::uint32_t group, std::uint32_t channel) {
     return ports.outputs.at({group, channel});
@@ -84,6 +86,7 @@ class CorrectionRendererTest : public testing::Test {
 
   FakePorts ports;
   CorrectionScratch scratch;
+  std::uint64_t cycles = 0;
 };
 
 TEST_F(CorrectionRendererTest, DirectPathAndCorrectionAddUpToTheTapsGain) {
@@ -207,6 +210,45 @@ TEST_F(CorrectionRendererTest, ASlotStartsWithTheFirstSamplesOnAllItsChannels) {
   ports.inputs.erase(1);  // an empty cycle later on is the stream's own
   cycle(plan);
   EXPECT_EQ(left[7] + out(0, 0)[7], 0.0f);
+}
+
+TEST_F(CorrectionRendererTest, ASuccessorTakesOverWithoutLosingOrDoublingASample) {
+  // The stream has moved from sink 0 to sink 1; the tap is still heard on sink 0.
+  for (const bool predecessorFirst : {true, false}) {
+    SCOPED_TRACE(predecessorFirst);
+    FakePorts older;
+    FakePorts newer;
+    const auto samples = older.stream(0, 1.0f);
+    older.inputs[1] = samples;
+    newer.inputs = older.inputs;
+    Tap tap(0.5f);
+    const auto predecessor = slotAt(0, 0, 1.0f, 0);
+    const auto successor = slotAt(0, 1, 0.0f);
+    successor->startsWhenFed = true;
+    successor->predecessor = predecessor.get();
+    for (int round = 0; round < 3; ++round) {
+      older.sink(0, 2);
+      newer.sink(0, 2);
+      newer.sink(1, 2);
+      ++cycles;
+      const auto renderOlder = [&] {
+        renderCorrections({{&tap.block, 0, {predecessor.get()}}}, {2}, cycles, frames, older,
+                          scratch);
+      };
+      const auto renderNewer = [&] {
+        renderCorrections({{&tap.block, 0, {successor.get()}}}, {2, 2}, cycles, frames, newer,
+                          scratch);
+      };
+      predecessorFirst ? renderOlder() : renderNewer();
+      predecessorFirst ? renderNewer() : renderOlder();
+      for (std::uint32_t i = 0; i < frames; ++i) {
+        ASSERT_EQ(older.heard(0)[i] + newer.heard(0)[i], 0.5f * samples[i]) << round;
+        ASSERT_EQ(samples[i] + newer.heard(1)[i], 0.0f) << round;
+      }
+    }
+    EXPECT_EQ(successor->predecessor.load(), nullptr);
+    EXPECT_EQ(predecessor->targetWeight.load(), 0.0f);
+  }
 }
 
 TEST_F(CorrectionRendererTest, CountsTheCyclesInWhichALinkedInputStaysEmpty) {

@@ -193,6 +193,14 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
         others.push_back(&other);
       }
     }
+    // The stream has moved away from where its predecessor corrects it: nothing holds this one back
+    // until the two can change places between cycles.
+    if (others.size() == 1 && !others.front()->isDirect() &&
+        others.front()->home() != placement.home() && placement.isDirect() &&
+        !placement.hasStarted()) {
+      placement.startWhenFed(*others.front());
+      continue;
+    }
     if (!placement.isReady(runs, !others.empty())) {
       continue;
     }
@@ -200,7 +208,8 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
       placement.wasAhead = true;
       continue;
     }
-    arriving.emplace_back(&placement, placement.isBeforeFirstSample(runs) || placement.wasAhead);
+    arriving.emplace_back(&placement, placement.isBeforeFirstSample(runs) || placement.wasAhead ||
+                                          placement.hasStarted());
     for (Placement* other : others) {
       replaced.emplace_back(other, placement.wasAhead);
     }
@@ -232,6 +241,11 @@ void CorrectionEngine::removeFaded(const GraphMirror& mirror, double now) {
       gone.splice(gone.end(), placements_, placement);
     }
     placement = next;
+  }
+  for (const Placement& placement : gone) {
+    for (Placement& other : placements_) {
+      other.forget(placement);
+    }
   }
   // The real-time thread lets go of the slots before they are freed.
   installPlans();

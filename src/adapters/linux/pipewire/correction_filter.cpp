@@ -72,7 +72,7 @@ CorrectionFilter::CorrectionFilter(const PipeWireLoop& loop, pw_core* core,
     };
     made.process = [](void* data, spa_io_position* position) {
       static_cast<CorrectionFilter*>(data)->process(
-          static_cast<std::uint32_t>(position->clock.duration));
+          position->clock.nsec, static_cast<std::uint32_t>(position->clock.duration));
     };
     return made;
   }();
@@ -215,9 +215,9 @@ float* CorrectionFilter::output(std::uint32_t group, std::uint32_t channel) {
   return port->buffer;
 }
 
-void CorrectionFilter::process(std::uint32_t frames) {
+void CorrectionFilter::process(std::uint64_t cycle, std::uint32_t frames) {
   frames_ = frames;
-  renderCorrections(plan_, groupChannels_, frames, *this, scratch_);
+  renderCorrections(plan_, groupChannels_, cycle, frames, *this, scratch_);
   cycles_.fetch_add(1, std::memory_order_relaxed);
 }
 

@@ -70,7 +70,7 @@ class CorrectionFilter : private CorrectionPorts {
 
   const float* input(std::uint32_t port) override;
   float* output(std::uint32_t group, std::uint32_t channel) override;
-  void process(std::uint32_t frames);
+  void process(std::uint64_t cycle, std::uint32_t frames);
   void addPorts();
   void fail(const char* what);
 

@@ -105,13 +105,19 @@ struct Share {
   const CorrectionSlot* slot;
   float from;
   float to;
+  bool isHeardElsewhere;  ///< only the direct path is to be taken away
 };
 
 class TapCycle {
  public:
-  TapCycle(std::uint32_t frames, std::uint32_t offset, CorrectionPorts& ports,
+  TapCycle(std::uint64_t cycle, std::uint32_t frames, std::uint32_t offset, CorrectionPorts& ports,
            CorrectionScratch& scratch, Outputs& outputs)
-      : frames_(frames), offset_(offset), ports_(ports), scratch_(scratch), outputs_(outputs) {}
+      : cycle_(cycle),
+        frames_(frames),
+        offset_(offset),
+        ports_(ports),
+        scratch_(scratch),
+        outputs_(outputs) {}
 
   void render(const CorrectionTap& tap) {
     collectInput(tap);
@@ -159,14 +165,27 @@ class TapCycle {
     return linked != 0 && (linked & ~seen) == 0;
   }
 
+  // The weight goes to 1, and that of the slot which had the stream until now to 0.
+  void start(CorrectionSlot& slot) const {
+    slot.startsWhenFed.store(false, std::memory_order_relaxed);
+    slot.weight.store(1.0f, std::memory_order_relaxed);
+    slot.targetWeight.store(1.0f, std::memory_order_relaxed);
+    if (auto* predecessor = slot.predecessor.exchange(nullptr, std::memory_order_relaxed)) {
+      predecessor->weight.store(0.0f, std::memory_order_relaxed);
+      predecessor->targetWeight.store(0.0f, std::memory_order_relaxed);
+      // Its filter may have run before this one in this cycle.
+      slot.passedIn = predecessor->renderedIn == cycle_ ? cycle_ : 0;
+    }
+  }
+
   // Moves a slot's weight on and says what part it takes in this cycle.
-  static Share advance(CorrectionSlot& slot) {
+  Share advance(CorrectionSlot& slot) const {
     const float from = slot.weight.load(std::memory_order_relaxed);
     const float to = slot.targetWeight.load(std::memory_order_relaxed);
     if (from != to) {
       slot.weight.store(to, std::memory_order_relaxed);
     }
-    return {&slot, from, to};
+    return {&slot, from, to, slot.passedIn == cycle_};
   }
 
   void collectInput(const CorrectionTap& tap) {
@@ -181,13 +200,18 @@ class TapCycle {
       if (!isFed(*slot)) {
         continue;
       }
+      if (slot->startsWhenFed.load(std::memory_order_relaxed)) {
+        start(*slot);
+      }
       const Share share = advance(*slot);
       if (share.from != 0.0f || share.to != 0.0f) {
+        slot->renderedIn = cycle_;
         share_[shares_++] = share;
         channels_ = std::max(channels_, std::min(slot->channels, maxCorrectionChannels));
       }
     }
-    if (shares_ == 1 && share_[0].from == 1.0f && share_[0].to == 1.0f) {
+    if (shares_ == 1 && share_[0].from == 1.0f && share_[0].to == 1.0f &&
+        !share_[0].isHeardElsewhere) {
       single_ = share_[0].slot;
       for (std::uint32_t c = 0; c < channels_; ++c) {
         const float* samples = portInput(*single_, c);
@@ -201,6 +225,9 @@ class TapCycle {
     }
     for (std::size_t i = 0; i < shares_; ++i) {
       const Share& share = share_[i];
+      if (share.isHeardElsewhere) {
+        continue;
+      }
       for (std::uint32_t c = 0; c < std::min(share.slot->channels, channels_); ++c) {
         if (const float* samples = portInput(*share.slot, c)) {
           addRamped(scratch_.input(c), samples, frames_, share.from, share.to);
@@ -237,6 +264,7 @@ class TapCycle {
     }
   }
 
+  std::uint64_t cycle_;
   std::uint32_t frames_;
   std::uint32_t offset_;
   CorrectionPorts& ports_;
@@ -262,13 +290,14 @@ CorrectionScratch::CorrectionScratch() : silence_(maxFrames, 0.0f) {
 }
 
 void renderCorrections(const CorrectionPlan& plan, const std::vector<std::uint32_t>& groupChannels,
-                       std::uint32_t frames, CorrectionPorts& ports, CorrectionScratch& scratch) {
+                       std::uint64_t cycle, std::uint32_t frames, CorrectionPorts& ports,
+                       CorrectionScratch& scratch) {
   for (std::uint32_t offset = 0; offset < frames; offset += CorrectionScratch::maxFrames) {
     const std::uint32_t piece = std::min(frames - offset, CorrectionScratch::maxFrames);
     Outputs outputs(groupChannels, piece, offset, ports);
-    TapCycle cycle(piece, offset, ports, scratch, outputs);
+    TapCycle taps(cycle, piece, offset, ports, scratch, outputs);
     for (const CorrectionTap& tap : plan) {
-      cycle.render(tap);
+      taps.render(tap);
     }
     outputs.clearUnwritten();
   }

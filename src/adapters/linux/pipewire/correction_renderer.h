@@ -24,6 +24,13 @@ struct CorrectionSlot {
   /// Share reached at the end of the last cycle; goes to the target across one buffer. Set by the
   /// event thread before the slot is installed, then by the real-time thread.
   std::atomic<float> weight = 0.0f;
+  /// The weight goes to 1 at once in the first cycle in which the slot takes part. Set by the event
+  /// thread, cleared by the real-time thread when that has come.
+  std::atomic<bool> startsWhenFed = false;
+  /// Slot of another filter that had the stream until then: it ends in the cycle in which this one
+  /// starts, so that every sample is heard once. Set by the event thread, which takes it back
+  /// before it frees that slot; cleared by the real-time thread once it has been used.
+  std::atomic<CorrectionSlot*> predecessor = nullptr;
   /// Bit per channel: a link feeds it. Set by the event thread.
   std::atomic<std::uint32_t> linkedChannels = 0;
   /// Bit per channel: samples have arrived since the event thread cleared it, at whatever weight.
@@ -35,6 +42,10 @@ struct CorrectionSlot {
   /// Bit per channel: the stream's direct link to the sink carries samples. Set by the event
   /// thread.
   std::atomic<std::uint32_t> directChannels = 0;
+
+  // Of the real-time thread alone.
+  std::uint64_t renderedIn = 0;  ///< the last cycle that it took part in
+  std::uint64_t passedIn = 0;    ///< the cycle in which its predecessor had already been heard
 };
 
 /// One tap: its streams, its IO block, and the sink that it is heard on.
@@ -80,8 +91,10 @@ class CorrectionScratch {
 /// Renders one cycle: into the sinks' outputs goes w * (f(x) - d * x) summed over all streams,
 /// where f is the tap's IO block, w the slot's weight, and d 1 where the direct link carries
 /// samples. Together with the direct path the sink hears f(x). groupChannels holds the number of
-/// outputs of each group. Real-time thread: neither allocates nor locks.
+/// outputs of each group; cycle, never 0, is another one in each cycle and the same for all filters
+/// in one. Real-time thread: neither allocates nor locks.
 void renderCorrections(const CorrectionPlan& plan, const std::vector<std::uint32_t>& groupChannels,
-                       std::uint32_t frames, CorrectionPorts& ports, CorrectionScratch& scratch);
+                       std::uint64_t cycle, std::uint32_t frames, CorrectionPorts& ports,
+                       CorrectionScratch& scratch);
 
 }  // namespace plemora

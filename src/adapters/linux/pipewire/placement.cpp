@@ -233,12 +233,26 @@ void Placement::goLive(bool atOnce) {
   renderSlot_->targetWeight.store(1.0f, std::memory_order_relaxed);
 }
 
+void Placement::startWhenFed(const Placement& predecessor) {
+  if (!isArmed_) {
+    isArmed_ = true;
+    renderSlot_->predecessor.store(predecessor.renderSlot(), std::memory_order_relaxed);
+    renderSlot_->startsWhenFed.store(true, std::memory_order_relaxed);
+  }
+}
+
+void Placement::forget(const Placement& predecessor) {
+  auto* slot = predecessor.renderSlot();
+  renderSlot_->predecessor.compare_exchange_strong(slot, nullptr, std::memory_order_relaxed);
+}
+
 void Placement::leave(double now, bool atOnce) {
   if (phase_ == Phase::leaving) {
     return;
   }
   phase_ = Phase::leaving;
   leftAt_ = now;
+  renderSlot_->startsWhenFed.store(false, std::memory_order_relaxed);
   cyclesWhenLeft_ = slot_.filter->cycles();
   renderSlot_->targetWeight.store(0.0f, std::memory_order_relaxed);
   if (atOnce) {

@@ -77,6 +77,15 @@ class Placement {
 
   /// Fades in, or is there at once. Real-time safe.
   void goLive(bool atOnce);
+  /// From the first cycle on that comes through, it is there at once, without another word, and the
+  /// one that has had the stream until then is not.
+  void startWhenFed(const Placement& predecessor);
+  /// The predecessor is about to be freed.
+  void forget(const Placement& predecessor);
+  /// That cycle has come.
+  bool hasStarted() const {
+    return isArmed_ && !renderSlot_->startsWhenFed.load(std::memory_order_relaxed);
+  }
   /// Fades out, or is gone at once. Real-time safe. now: media time in seconds.
   void leave(double now, bool atOnce = false);
 
@@ -114,6 +123,7 @@ class Placement {
   bool sawRest_ = false;                   ///< the stream did not run at first
   bool sawStart_ = false;                  ///< and then began to
   std::uint64_t cyclesAtStart_ = 0;        ///< of the filter, then
+  bool isArmed_ = false;                   ///< startWhenFed was called
   int failures_ = 0;                       ///< of links since the last time that all was well
   double retryAt_ = 0;                     ///< media time before which no link is made anew
   double leftAt_ = 0;
