@@ -230,6 +230,31 @@ TEST(Tap, SumsTheStreamsOfAnAppExactly) {
   }
 }
 
+TEST(Tap, RampsTheGainOfAnAppWithMoreStreamsThanTheFirstFilterHasRoomFor) {
+  TapRig rig;
+  constexpr int streams = 12;
+  constexpr float direct = 0.0625f * streams;
+  const auto tone = rig.play({.signal = Signal::constant(0.0625), .streams = streams});
+  SinkRecorder recorder(rig.session, "first", 10);
+  ASSERT_TRUE(rig.hears(recorder, direct));
+  auto tap = rig.tap(*tone, quarter);
+  ASSERT_TRUE(tap);
+  ASSERT_TRUE(rig.hears(recorder, direct * quarter));
+  // The streams need a moment to gather on the larger filter.
+  int smooth = 0;
+  EXPECT_TRUE(rig.eventually(10, [&] {
+    recorder.clear();
+    for (int change = 0; change < 4; ++change) {
+      tap->state().targetGain = change % 2 == 0 ? 0.0f : 1.0f;
+      recorder.record(1024);
+    }
+    const auto heard = recorder.take();
+    const bool isSmooth = heard.gaps == 0 && largestStep(heard[0]) <= direct / 1024 * 1.001;
+    smooth = isSmooth ? smooth + 1 : 0;
+    return smooth == 5;
+  }));
+}
+
 TEST(Tap, FollowsAStreamThatIsMadeAnew) {
   TapRig rig;
   const auto tone = rig.play({.signal = Signal::constant(0.25)});

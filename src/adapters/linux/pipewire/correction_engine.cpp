@@ -104,13 +104,25 @@ void CorrectionEngine::claimStreams(const GraphMirror& mirror, const AudioObject
   }
 }
 
+// All streams of a tap belong on one filter: its gain ramps in the first one that renders it in a
+// cycle, and would step in the others.
+bool CorrectionEngine::belongsElsewhere(const Placement& placement, double now) const {
+  const CorrectionFilter& filter = *placement.slot().filter;
+  return std::any_of(placements_.begin(), placements_.end(), [&](const Placement& other) {
+    const CorrectionFilter& larger = *other.slot().filter;
+    return other.correction() == placement.correction() &&
+           other.phase() != Placement::Phase::leaving && larger.slotCount() > filter.slotCount() &&
+           larger.sinks() == filter.sinks() && filters_.hasRoom(larger, now);
+  });
+}
+
 // Whether the placement is just what its stream needs, or will need.
-bool CorrectionEngine::isWanted(const Placement& placement) const {
+bool CorrectionEngine::isWanted(const Placement& placement, double now) const {
   const auto* claim = claims_.find(placement.stream(), placement.home());
   const CorrectionFilter& filter = *placement.slot().filter;
   return claim != nullptr && claim->correction == placement.correction() &&
          placement.phase() != Placement::Phase::leaving && !filter.isBroken() &&
-         filter.sinks() == claim->sinks;
+         filter.sinks() == claim->sinks && !belongsElsewhere(placement, now);
 }
 
 void CorrectionEngine::follow(const GraphMirror& mirror, Placement& placement, double now) {
@@ -143,7 +155,7 @@ void CorrectionEngine::judgePlacements(const GraphMirror& mirror, double now) {
     } else if (placement.serial() != serialOf(mirror, placement.stream())) {
       // Another stream has got its id. Nothing comes of the old one that could fade.
       placement.leave(now, true);
-    } else if (placement.phase() == Placement::Phase::linking && !isWanted(placement)) {
+    } else if (placement.phase() == Placement::Phase::linking && !isWanted(placement, now)) {
       placement.leave(now);
     } else if (claims_.isLinked(placement.stream())) {
       placement.lostSince = 0;
@@ -163,7 +175,7 @@ void CorrectionEngine::placeStreams(const GraphMirror& mirror, double now) {
     const auto [stream, home] = pair;
     const bool isPlaced = std::any_of(
         placements_.begin(), placements_.end(), [&, s = stream, h = home](const auto& placement) {
-          return placement.stream() == s && placement.home() == h && isWanted(placement);
+          return placement.stream() == s && placement.home() == h && isWanted(placement, now);
         });
     const bool isAhead = claim.isExpected && expectedLinks(mirror, stream, home).empty();
     if (isPlaced || isAhead || !contains(claim.sinks, home)) {
@@ -183,7 +195,7 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
   std::vector<std::pair<Placement*, bool>> arriving;
   std::vector<std::pair<Placement*, bool>> replaced;
   for (Placement& placement : placements_) {
-    if (placement.phase() != Placement::Phase::linking || !isWanted(placement)) {
+    if (placement.phase() != Placement::Phase::linking || !isWanted(placement, now)) {
       continue;
     }
     const bool runs = isRunning(mirror, placement.stream());

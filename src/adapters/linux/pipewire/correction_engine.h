@@ -52,7 +52,8 @@ class CorrectionEngine {
   };
 
   void claimStreams(const GraphMirror& mirror, const AudioObjects& objects, double now);
-  bool isWanted(const Placement& placement) const;
+  bool isWanted(const Placement& placement, double now) const;
+  bool belongsElsewhere(const Placement& placement, double now) const;
   void adopt(Placement& placement);
   void follow(const GraphMirror& mirror, Placement& placement, double now);
   void judgePlacements(const GraphMirror& mirror, double now);

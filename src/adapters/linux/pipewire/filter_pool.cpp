@@ -115,6 +115,13 @@ void FilterPool::giveBack(FilterSlot slot, double now) {
   }
 }
 
+bool FilterPool::hasRoom(const CorrectionFilter& filter, double now) const {
+  return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
+    return entry.filter.get() == &filter && !filter.isBroken() &&
+           entry.freeSlot(now) < filter.slotCount();
+  });
+}
+
 void FilterPool::update(const GraphMirror& mirror) {
   for (Entry& entry : entries_) {
     entry.filter->update(mirror);

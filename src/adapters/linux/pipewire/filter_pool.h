@@ -27,6 +27,8 @@ class FilterPool {
   /// A free slot on a filter that spans exactly these sinks. None while filters cannot be made.
   FilterSlot take(const std::vector<SinkLayout>& sinks, double now);
   void giveBack(FilterSlot slot, double now);
+  /// Whether the next slot taken for its sinks may be one of this filter.
+  bool hasRoom(const CorrectionFilter& filter, double now) const;
 
   /// Follows the registry.
   void update(const GraphMirror& mirror);
