@@ -10,12 +10,12 @@ namespace plemora {
 /// a layer, from the bottom, background colour, content, sublayers; then, of the result as a
 /// whole, corner clip, mask, feathering, opacity and blend mode.
 ///
-/// Numbers that are not finite count as 0, opacities and colours are clamped to 0...1, an empty
-/// frame draws nothing. A layer that is its own descendant is drawn down to a depth of 64.
-/// Main thread.
+/// Numbers that are not finite count as 0, opacities and colours are clamped to 0...1, a layer with
+/// an empty frame draws only its shape and its sublayers. What lies deeper than 64 layers, or is
+/// its own ancestor, is left out. Main thread.
 class LayerRenderer {
  public:
-  /// Pixels per point; anything but a finite number above 0 counts as 1.
+  /// Pixels per point; what is not a number above 0 counts as 1, above 16 as 16.
   explicit LayerRenderer(double scale);
 
   double scale() const { return scale_; }
