@@ -7,8 +7,8 @@
 
 namespace plemora {
 
-/// Messages to the user by the desktop's notification service; where there is none, they go to the
-/// log. Main thread; returns without waiting.
+/// Messages to the user by the desktop's notification service. They are in the log too, for where
+/// there is no such service. Main thread; returns without waiting.
 class DesktopNotifier {
  public:
   explicit DesktopNotifier(QDBusConnection bus) : bus_(std::move(bus)) {}

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "adapters/linux/desktop/file_operations.h"
@@ -9,8 +10,8 @@
 
 namespace plemora {
 
-/// Starts the program at login by a desktop entry among the user's autostart entries. An entry that
-/// is there already is left as it is: the user may have switched it off. Main thread.
+/// Starts the program at login by a desktop entry among the user's autostart entries. One that the
+/// user has switched off there is left as it is. Main thread.
 class XdgLoginItem : public LoginItem {
  public:
   /// folder: of autostart entries. executable: absolute path of the program.
