@@ -1,0 +1,231 @@
+#include "adapters/linux/windows/quick_surface.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <algorithm>
+#include <utility>
+
+#include "adapters/linux/windows/screen_space.h"
+#include "base/log.h"
+#include "views/glass_item.h"
+#include "views/quick_view.h"
+
+namespace plemora {
+
+namespace {
+
+constexpr Logger logger("windows");
+
+bool isDesktopDark() {
+  return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+}
+
+/// The smallest rectangle that holds all screens.
+Rect bounds(const std::vector<Screen>& screens) {
+  if (screens.empty()) {
+    return {};
+  }
+  Rect all = screens.front().frame;
+  for (const Screen& screen : screens) {
+    const double right = std::max(all.maxX(), screen.frame.maxX());
+    const double top = std::max(all.maxY(), screen.frame.maxY());
+    all.x = std::min(all.x, screen.frame.x);
+    all.y = std::min(all.y, screen.frame.y);
+    all.width = right - all.x;
+    all.height = top - all.y;
+  }
+  return all;
+}
+
+Raster rasterOf(const BackdropImage& image) {
+  Raster raster(image.width, image.height);
+  std::copy(image.pixels.begin(), image.pixels.end(), raster.pixels().begin());
+  return raster;
+}
+
+}  // namespace
+
+/// Calls back right before the frame that follows a polish().
+class QuickSurface::Root : public QQuickItem {
+ public:
+  Root(QQuickItem* parent, std::function<void()> prepare)
+      : QQuickItem(parent), prepare_(std::move(prepare)) {}
+
+ protected:
+  void updatePolish() override { prepare_(); }
+
+ private:
+  std::function<void()> prepare_;
+};
+
+QuickSurface::QuickSurface(MainQueue& queue, BackdropSource& backdrop, Screens& screens,
+                           bool isAlwaysDark)
+    : backdrop_(backdrop), screens_(screens), isAlwaysDark_(isAlwaysDark), glass_(queue) {
+  glass_.setChangeHandler([this] { glassChanged(); });
+}
+
+QuickSurface::~QuickSurface() {
+  detach();
+}
+
+void QuickSurface::clearBackground() {
+  glass_.clearBackground();
+}
+
+std::shared_ptr<EffectView> QuickSurface::showEffect(const EffectDescription& description) {
+  return glass_.showEffect(description);
+}
+
+std::shared_ptr<SystemGlassView> QuickSurface::showSystemGlass() {
+  return glass_.showSystemGlass();
+}
+
+void QuickSurface::setLayer(std::shared_ptr<Layer> layer) {
+  glass_.setLayer(std::move(layer));
+}
+
+void QuickSurface::setContent(std::shared_ptr<HostedView> content) {
+  if (contentItem_ != nullptr) {
+    contentItem_->setParentItem(nullptr);
+    contentItem_ = nullptr;
+  }
+  content_ = std::move(content);
+  if (window_ != nullptr) {
+    showContent();
+  }
+}
+
+void QuickSurface::attach(QQuickWindow& window) {
+  window_ = &window;
+  root_ = std::make_unique<Root>(window.contentItem(), [this] { prepareFrame(); });
+  behind_ = new GlassItem(root_.get());
+  body_ = new QQuickItem(root_.get());
+  glassItem_ = new GlassItem(body_);
+  glass_.setBackdropKind(backdrop_.kind());
+  showContent();
+  layOut();
+}
+
+void QuickSurface::detach() {
+  if (contentItem_ != nullptr) {
+    contentItem_->setParentItem(nullptr);  // its view owns it
+    contentItem_ = nullptr;
+  }
+  backdropChanges_ = {};
+  root_.reset();
+  window_ = nullptr;
+}
+
+void QuickSurface::showContent() {
+  if (!content_) {
+    return;
+  }
+  auto* view = dynamic_cast<QuickView*>(content_.get());
+  contentItem_ = view != nullptr ? view->item() : nullptr;
+  if (contentItem_ == nullptr) {
+    logger.error("The panel stays empty: its content is no view of Qt Quick, or was not built.");
+    return;
+  }
+  contentItem_->setParentItem(body_);
+  layOut();
+}
+
+void QuickSurface::setFrame(const Rect& frame) {
+  const ScreenSpace space = ScreenSpace::current();
+  const Rect whole = space.toGlobal(QRectF(space.toWholePoints(frame)));
+  if (whole == frame_) {
+    return;
+  }
+  frame_ = whole;
+  isBackdropStale_ = true;
+  layOut();
+}
+
+void QuickSurface::layOut() {
+  glass_.setSize(frame_.size());
+  if (!root_) {
+    return;
+  }
+  const QSizeF size(frame_.width, frame_.height);
+  for (QQuickItem* item : {static_cast<QQuickItem*>(root_.get()), body_,
+                           static_cast<QQuickItem*>(glassItem_), contentItem_}) {
+    if (item != nullptr) {
+      item->setSize(size);
+    }
+  }
+  root_->polish();
+}
+
+void QuickSurface::setOnScreen(bool isOnScreen, bool isComposited) {
+  isComposited_ = isComposited;
+  behind_->setVisible(!isComposited);
+  if (isOnScreen == isOnScreen_) {
+    return;
+  }
+  isOnScreen_ = isOnScreen;
+  if (isOnScreen) {
+    backdropChanges_ = backdrop_.observe([this] { backdropChanged(); });
+    isBackdropStale_ = true;
+    glass_.setDark(isAlwaysDark_ || isDesktopDark());
+    root_->polish();
+  } else {
+    backdropChanges_ = {};
+  }
+  glass_.setInWindow(isOnScreen);
+}
+
+void QuickSurface::setOpacity(double opacity) {
+  body_->setOpacity(opacity);
+}
+
+void QuickSurface::focusContent() {
+  if (contentItem_ != nullptr) {
+    contentItem_->setFocus(true, Qt::ActiveWindowFocusReason);
+  }
+}
+
+void QuickSurface::backdropChanged() {
+  isBackdropStale_ = true;
+  root_->polish();
+}
+
+void QuickSurface::glassChanged() {
+  isGlassStale_ = true;
+  if (root_ && isOnScreen_) {
+    root_->polish();
+  }
+}
+
+void QuickSurface::prepareFrame() {
+  if (!isOnScreen_) {
+    return;
+  }
+  glass_.setScale(window_->effectiveDevicePixelRatio());
+  if (std::exchange(isBackdropStale_, false)) {
+    capture();
+  }
+  if (std::exchange(isGlassStale_, false)) {
+    glassItem_->setRaster(glass_.render());
+  }
+}
+
+void QuickSurface::capture() {
+  if (backdrop_.kind() != BackdropSource::Kind::pixels) {
+    return;
+  }
+  const double margin = glass_.backdropMargin();
+  const Rect area = frame_.inset(-margin, -margin).intersection(bounds(screens_.screens().get()));
+  BackdropImage image = backdrop_.capture(area);
+  const Rect covers{area.x - frame_.x, frame_.maxY() - area.maxY(), area.width, area.height};
+  if (!isComposited_) {
+    behind_->setRaster(rasterOf(image));
+    behind_->setPosition({covers.x, covers.y});
+    behind_->setSize({covers.width, covers.height});
+  }
+  glass_.setBackdrop(std::move(image), covers);
+  isGlassStale_ = true;
+}
+
+}  // namespace plemora

@@ -1,0 +1,101 @@
+#include "adapters/linux/windows/quick_windows.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "adapters/linux/windows/quick_surface.h"
+
+namespace plemora {
+
+namespace {
+
+class QuickPanel : public PanelWindow {
+ public:
+  QuickPanel(PanelWindowOptions options, MainQueue& queue, LinuxScreens& screens,
+             BackdropSource& backdrop, const PanelHostFactory& makeHost)
+      : options_(std::move(options)),
+        screens_(screens),
+        makeHost_(makeHost),
+        surface_(queue, backdrop, screens, options_.isDark) {}
+
+  ~QuickPanel() override {
+    order(WindowOrder::out);
+    surface_.detach();
+  }
+
+  Rect frame() override { return frame_; }
+
+  void setFrame(const Rect& frame) override {
+    frame_ = frame;
+    surface_.setFrame(frame);
+    if (host_) {
+      host_->setFrame(frame);
+    }
+  }
+
+  double alpha() override { return alpha_; }
+
+  void setAlpha(double alpha) override {
+    alpha_ = std::clamp(alpha, 0.0, 1.0);
+    showAlpha();
+  }
+
+  void order(WindowOrder order) override {
+    if (order == WindowOrder::out) {
+      if (isOnScreen()) {
+        host_->hide();
+        surface_.setOnScreen(false, isComposited_);
+      }
+      return;
+    }
+    if (!host_) {
+      host_ = makeHost_(options_);
+      host_->setFrame(frame_);
+      surface_.attach(host_->window());
+    }
+    // What is behind has to be looked at before we stand in front of it, and the opacity set
+    // before anything is seen.
+    isComposited_ = host_->isComposited();
+    surface_.setOnScreen(true, isComposited_);
+    showAlpha();
+    host_->show();
+    if (order == WindowOrder::keyAndFront && options_.canBecomeKey) {
+      surface_.focusContent();
+      host_->takeKeys();
+    }
+  }
+
+  bool isOnScreen() override { return host_ && host_->isShown(); }
+  std::optional<int> screen() override { return screens_.screenShowing(frame_); }
+  PanelSurface& surface() override { return surface_; }
+
+ private:
+  void showAlpha() {
+    if (!host_) {
+      return;
+    }
+    host_->setOpacity(isComposited_ ? alpha_ : 1);
+    surface_.setOpacity(isComposited_ ? 1 : alpha_);
+  }
+
+  PanelWindowOptions options_;
+  LinuxScreens& screens_;
+  const PanelHostFactory& makeHost_;
+  Rect frame_;
+  double alpha_ = 1;
+  bool isComposited_ = true;  ///< when it was last ordered in
+  std::unique_ptr<PanelHost> host_;
+  QuickSurface surface_;  // goes before its window
+};
+
+}  // namespace
+
+QuickWindows::QuickWindows(MainQueue& queue, LinuxScreens& screens, BackdropSource& backdrop,
+                           PanelHostFactory makeHost)
+    : queue_(queue), screens_(screens), backdrop_(backdrop), makeHost_(std::move(makeHost)) {}
+
+std::unique_ptr<PanelWindow> QuickWindows::makePanel(const PanelWindowOptions& options) {
+  return std::make_unique<QuickPanel>(options, queue_, screens_, backdrop_, makeHost_);
+}
+
+}  // namespace plemora

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <memory>
+
+#include "adapters/linux/windows/linux_screens.h"
+#include "adapters/linux/windows/panel_host.h"
+#include "platform/backdrop_source.h"
+#include "platform/main_queue.h"
+#include "platform/panel_window.h"
+
+namespace plemora {
+
+/// Panels as Qt Quick windows, drawn in software. A panel's window is made when the panel is first
+/// shown, by the factory of the display, and kept.
+class QuickWindows : public Windows {
+ public:
+  /// All must outlive the windows and every panel.
+  QuickWindows(MainQueue& queue, LinuxScreens& screens, BackdropSource& backdrop,
+               PanelHostFactory makeHost);
+
+  [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
+
+ private:
+  MainQueue& queue_;
+  LinuxScreens& screens_;
+  BackdropSource& backdrop_;
+  PanelHostFactory makeHost_;
+};
+
+}  // namespace plemora
