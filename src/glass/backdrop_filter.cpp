@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "glass/blend.h"
 #include "glass/color_matrix.h"
 #include "glass/gaussian_blur.h"
 #include "glass/outline.h"
@@ -141,15 +140,6 @@ void BackdropFilter::render(const GlassLook& look, double scale, Raster& target)
     pixelKernel().transform(target.row(y), blurred_.row(y + margin) + margin,
                             static_cast<std::size_t>(target.width()), transform);
   }
-}
-
-void BackdropFilter::fillBelow(double scale, Raster& target) const {
-  if (!hasBackdrop() || target.isEmpty()) {
-    return;
-  }
-  Raster below = cut(target.bounds(), scale);
-  composite(below, target, 0, 0, 255, BlendMode::normal);
-  target = std::move(below);
 }
 
 }  // namespace plemora

@@ -24,9 +24,6 @@ class BackdropFilter {
   /// without a backdrop.
   void render(const GlassLook& look, double scale, Raster& target);
 
-  /// Puts the backdrop, as it is, under whatever of the target is not opaque.
-  void fillBelow(double scale, Raster& target) const;
-
   int blurCount() const { return blurCount_; }
 
  private:
@@ -41,7 +38,7 @@ class BackdropFilter {
   };
 
   void blur(const Key& key);
-  /// The backdrop at that scale; the origin is its first pixel's place in the view, in pixels.
+  /// A part of the view's plane, in pixels at that scale.
   Raster cut(const PixelRect& part, double scale) const;
   Color mean() const;
 

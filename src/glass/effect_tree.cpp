@@ -122,8 +122,11 @@ std::shared_ptr<EffectLayer> EffectTree::root() const {
 }
 
 GlassLook EffectTree::look() const {
-  GlassLook look{.margin = std::max(backdrop_->value(marginKey), 0.0),
+  GlassLook look{.blurRadius = 0,
+                 .margin = std::max(backdrop_->value(marginKey), 0.0),
                  .matrix = identityMatrix,
+                 .washes = {},
+                 .desktopTint = 0,
                  .translucent = material_.translucent,
                  .opaque = material_.opaque};
   for (const EffectFilter& filter : backdrop_->filterList()) {

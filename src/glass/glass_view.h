@@ -50,7 +50,7 @@ class GlassView {
   /// How far beyond the bounds the background looks, in points: capture that much more.
   double backdropMargin() const;
 
-  /// Called on the main queue, at most once a turn, when the picture is no longer what render()
+  /// Called on the main queue, at most once a turn, after the picture stopped being what render()
   /// last gave.
   void setChangeHandler(std::function<void()> changed);
 

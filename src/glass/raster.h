@@ -33,7 +33,7 @@ struct PixelRect {
 class Raster {
  public:
   /// The largest width and height; larger ones are cut down to it.
-  static constexpr int largestSide = 16384;
+  static constexpr int largestSide = 8192;
 
   Raster() = default;
   /// Transparent. Sizes below 0 count as 0; with either of them 0 it is empty.
