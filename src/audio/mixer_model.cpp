@@ -85,6 +85,7 @@ void MixerModel::setVolume(float volume, const std::string& id) {
   save();
   const bool hadTap = taps_.hasTap(id);
   syncTap(id);
+  volumeChange.set({id, level.volume, level.muted});
   // The slider shows its position already; but a row that was kept by its tap alone must go.
   if (hadTap && !taps_.hasTap(id)) {
     publish();

@@ -21,6 +21,13 @@
 
 namespace plemora {
 
+/// What setVolume has stored for an app.
+struct VolumeChange {
+  std::string id;  ///< bundle identifier
+  float volume = 1.0f;
+  bool isMuted = false;
+};
+
 /// The mixer: takes the list of apps that play, remembers each app's volume, mute and output,
 /// decides which app needs a tap, and publishes one row for each app. Main thread only. Ids are
 /// bundle identifiers. In demo mode it publishes prepared rows and touches no audio.
@@ -40,6 +47,8 @@ class MixerModel {
   Published<std::vector<AppChannel>> channels;
   /// As of creation and of the last refreshPermission().
   Published<AudioPermission::Status> permission;
+  /// Assigned by every setVolume outside demo mode, which the rows do not follow by themselves.
+  Published<VolumeChange> volumeChange;
 
   /// Stores the volume, clamped to 0...1; one above 0 unmutes. NaN is ignored. The rows are not
   /// published: whoever moves the slider shows its position already.

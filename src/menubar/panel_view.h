@@ -1,0 +1,124 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "audio/mixer_model.h"
+#include "base/geometry.h"
+#include "base/published.h"
+#include "menubar/level_meters.h"
+#include "menubar/panel_row.h"
+
+namespace plemora {
+
+class Clock;
+class RoutePicker;
+class UserDefaults;
+
+/// The content of the mixer panel: which rows it has and what they show, from what the mixer and
+/// the output devices publish; and what happens when the user acts on them. Main thread.
+class PanelView {
+ public:
+  /// Settings: "lines" puts an app's name above its slider; a false showMeters hides the meters.
+  static constexpr const char* rowStyleKey = "appRowStyle";
+  static constexpr const char* metersKey = "showMeters";
+
+  /// Id of the master row's slider.
+  static constexpr const char* masterID = "";
+
+  /// All of it outlives the view.
+  struct Services {
+    UserDefaults& defaults;
+    Clock& clock;
+    RoutePicker& routePicker;
+  };
+
+  PanelView(MixerModel& model, Services services, std::function<void()> onSetUp,
+            std::function<void()> onSoundSettings);
+  PanelView(const PanelView&) = delete;
+  PanelView& operator=(const PanelView&) = delete;
+
+  static constexpr const char* title = "Sound";
+
+  /// All rows from top to bottom; assigned when any of them has changed, except as below.
+  Published<PanelRows> rows;
+
+  /// A slider that has moved, or its dimming, with no row changing otherwise: rows holds that
+  /// already, but is not assigned for it.
+  struct SliderState {
+    std::string id;  ///< of the app; masterID
+    float volume = 0;
+    bool isDimmed = false;
+  };
+  Published<SliderState> sliderChange;
+
+  /// What is heard of each app with a tap, by bundle identifier: 0...1 of a meter's length. Empty
+  /// while the view is not visible or the meters are off; an app that is missing shows no meter.
+  Published<LevelMeters::Levels> meters;
+
+  /// While it is false nothing is measured. The list of outputs that was open is closed with it:
+  /// the next opening begins at the top, with everything in sight.
+  void setVisible(bool isVisible);
+  bool isVisible() const { return isVisible_; }
+
+  const std::optional<std::string>& expandedApp() const { return expandedApp_; }
+  /// The height of all rows together.
+  double height() const;
+
+  // What the user does. An id or UID that is not listed is ignored.
+  void setMasterVolume(float volume);
+  void toggleMasterMute();
+  void setVolume(float volume, const std::string& id);
+  void toggleMute(const std::string& id);
+  /// Opens the app's list of outputs and closes any other, or closes it.
+  void toggleExpanded(const std::string& id);
+  void setOutput(const std::string& uid, const std::string& id);
+  void chooseDevice(const std::string& uid);
+  /// The slider (an app's, or masterID) is held: its row stays where the holder puts it until it is
+  /// let go, and then shows what the model has.
+  void setEditing(bool isEditing, const std::string& id);
+  void setUp();
+  void openSoundSettings();
+
+  /// Shows the AirPlay receivers beside that place (global, y up).
+  void presentRoutes(const Rect& anchor);
+  /// Media time at which the list of receivers last closed; none before.
+  std::optional<double> lastPickerClosed() const { return lastPickerClosed_; }
+
+ private:
+  using Channels = std::vector<AppChannel>;
+
+  void observe();
+  void update();
+  PanelRow masterRow() const;
+  void appendApps(PanelRows& result) const;
+  PanelRow appRow(const AppChannel& channel, bool isCompact) const;
+  PanelRow outputsRow(const AppChannel& channel) const;
+  void appendOutputs(PanelRows& result) const;
+  void showSlider(const SliderState& state);
+  void masterChanged();
+  void volumeChanged(const VolumeChange& change);
+  AppChannel* find(const std::string& id);
+  const OutputDevice* findDevice(const std::string& uid) const;
+
+  MixerModel& model_;
+  OutputDevices& outputs_;
+  const Services services_;
+  std::function<void()> onSetUp_;
+  std::function<void()> onSoundSettings_;
+  Channels channels_;  // as published, with the volumes set since
+  std::optional<std::string> expandedApp_;
+  std::map<std::string, float> held_;  // sliders in a user's hand, and where they are
+  bool isVisible_ = false;
+  std::optional<double> lastPickerClosed_;
+  LevelMeters levelMeters_;
+  std::vector<Subscription> subscriptions_;
+  std::shared_ptr<int> life_ = std::make_shared<int>(0);  // expires for a picker still open
+};
+
+}  // namespace plemora
