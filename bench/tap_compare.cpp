@@ -1,6 +1,8 @@
 // Measures, side by side in one run in a private session: apps on their direct path, tapped by the
 // program, and each behind a pw-loopback, as a user would set it up for a volume of its own.
-//   tap_compare [--seconds N] [--apps 1,8,32,64] [--quanta 1024,256]
+//   tap_compare [--seconds N] [--apps 1,8,32,64] [--quanta 1024,256] [--clients native,pulse]
+// The apps play through the server's own protocol ("native": each wakes up in every cycle) or, as
+// most programs on a desktop do, through the PulseAudio server in front of it ("pulse").
 
 #include <unistd.h>
 
@@ -9,6 +11,7 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -28,6 +31,7 @@ struct Settings {
   double seconds = 5;
   std::vector<int> apps = {1, 8, 32, 64};
   std::vector<int> quanta = {1024, 256};
+  std::vector<std::string> clients = {"native", "pulse"};
 };
 
 std::string nameOf(int number) {
@@ -104,6 +108,41 @@ std::vector<std::unique_ptr<TonePlayer>> startApps(PrivateSession& session, int 
   return apps;
 }
 
+/// Apps that play through the PulseAudio server: copies of paplay, each an app of its own.
+std::vector<std::unique_ptr<ChildProcess>> startPulseApps(PrivateSession& session, int count) {
+  namespace fs = std::filesystem;
+  const fs::path folder = fs::path(session.directory()) / "pulse-apps";
+  fs::create_directories(folder);
+  const fs::path sound = folder / "sound.raw";
+  if (!fs::exists(sound)) {
+    // Two minutes of a quiet 375 Hz tone, 16-bit stereo.
+    std::ofstream file(sound, std::ios::binary);
+    for (int frame = 0; frame < 120 * 48000; ++frame) {
+      const auto sample = static_cast<std::int16_t>(300 * (frame % 128 < 64 ? 1 : -1));
+      const std::int16_t both[] = {sample, sample};
+      file.write(reinterpret_cast<const char*>(both), sizeof(both));
+    }
+  }
+  std::vector<std::unique_ptr<ChildProcess>> apps;
+  for (int i = 0; i < count; ++i) {
+    const fs::path program = folder / nameOf(i);
+    fs::copy_file("/usr/bin/pacat", program, fs::copy_options::skip_existing);
+    ChildOptions options;
+    options.arguments = {program.string(), "--playback",   "--format=s16le",
+                         "--rate=48000",   "--channels=2", "--client-name=" + nameOf(i),
+                         sound.string()};
+    options.environment = session.environment();
+    options.logFile = session.directory() + "/players.log";
+    apps.push_back(std::make_unique<ChildProcess>(options));
+  }
+  for (int i = 0; i < count; ++i) {
+    if (!session.waitForLink(nameOf(i), "first")) {
+      throw std::runtime_error(nameOf(i) + " does not play\n" + session.logs());
+    }
+  }
+  return apps;
+}
+
 void turnDown(ProgramUnderTest& plemora, int count) {
   for (int i = 0; i < count; ++i) {
     plemora.waitForApp(nameOf(i));
@@ -131,33 +170,46 @@ Cost measureCost(PrivateSession& session, double seconds, Ours ours) {
           (cpuMilliseconds(server) - serverBefore) / took.count()};
 }
 
+void printCost(const Settings& settings, PrivateSession& session, int count, int quantum) {
+  const auto direct = measureCost(session, settings.seconds, [] { return 0.0; });
+  Cost tapped;
+  {
+    ProgramUnderTest plemora(session);
+    turnDown(plemora, count);
+    tapped = measureCost(session, settings.seconds,
+                         [&] { return cpuMilliseconds(plemora.process().pid()); });
+    tapped.megabytes = static_cast<double>(plemora.residentKiB()) / 1024;
+    plemora.process().stop();
+  }
+  Loopbacks loopbacks(session, count);
+  auto looped = measureCost(session, settings.seconds, [&] { return loopbacks.cpu(); });
+  looped.megabytes = static_cast<double>(loopbacks.residentKiB()) / 1024;
+  std::printf("%5d %8d | %8.1f | %6.1f / %5.1f  %5.1f MB | %6.1f / %5.1f  %5.0f MB | 1/%.1f\n",
+              count, quantum, direct.server, tapped.ours, tapped.server, tapped.megabytes,
+              looped.ours, looped.server, looped.megabytes,
+              (looped.ours + looped.server) / (tapped.ours + tapped.server));
+  std::fflush(stdout);
+}
+
 void printCosts(const Settings& settings) {
-  std::printf("CPU, ms per second of audio: ours / the server's; resident memory of ours\n");
-  std::printf("%5s %8s | %8s | %24s | %24s | %s\n", "apps", "quantum", "direct", "plemora",
-              "pw-loopback", "together, of pw-loopback's");
-  for (const int quantum : settings.quanta) {
-    for (const int count : settings.apps) {
-      PrivateSession session;
-      session.createSinks(quantum);
-      const auto apps = startApps(session, count, Signal::sine(440, 0.01));
-      const auto direct = measureCost(session, settings.seconds, [] { return 0.0; });
-      Cost tapped;
-      {
-        ProgramUnderTest plemora(session);
-        turnDown(plemora, count);
-        tapped = measureCost(session, settings.seconds,
-                             [&] { return cpuMilliseconds(plemora.process().pid()); });
-        tapped.megabytes = static_cast<double>(plemora.residentKiB()) / 1024;
-        plemora.process().stop();
+  for (const std::string& clients : settings.clients) {
+    std::printf(
+        "\nCPU, ms per second of audio: ours / the server's; resident memory of ours; %s apps\n",
+        clients.c_str());
+    std::printf("%5s %8s | %8s | %24s | %24s | %s\n", "apps", "quantum", "direct", "plemora",
+                "pw-loopback", "together, of pw-loopback's");
+    for (const int quantum : settings.quanta) {
+      for (const int count : settings.apps) {
+        PrivateSession session;
+        session.createSinks(quantum);
+        if (clients == "pulse") {
+          const auto apps = startPulseApps(session, count);
+          printCost(settings, session, count, quantum);
+        } else {
+          const auto apps = startApps(session, count, Signal::sine(440, 0.01));
+          printCost(settings, session, count, quantum);
+        }
       }
-      Loopbacks loopbacks(session, count);
-      auto looped = measureCost(session, settings.seconds, [&] { return loopbacks.cpu(); });
-      looped.megabytes = static_cast<double>(loopbacks.residentKiB()) / 1024;
-      std::printf("%5d %8d | %8.1f | %6.1f / %5.1f  %5.1f MB | %6.1f / %5.1f  %5.0f MB | 1/%.1f\n",
-                  count, quantum, direct.server, tapped.ours, tapped.server, tapped.megabytes,
-                  looped.ours, looped.server, looped.megabytes,
-                  (looped.ours + looped.server) / (tapped.ours + tapped.server));
-      std::fflush(stdout);
     }
   }
 }
@@ -233,8 +285,10 @@ void printIdle(const Settings& settings) {
   session.createSinks();
   ProgramUnderTest plemora(session);
   const auto wakeUpsPerSecond = [&] {
+    // What the server announces on its way to rest is no idling of ours.
     session.waitForState("first", "suspended", 15);
-    usleep(1000000);
+    session.waitForState("second", "suspended", 15);
+    usleep(3000000);
     const auto before = plemora.wakeUps();
     usleep(static_cast<useconds_t>(2 * settings.seconds * 1e6));
     return static_cast<double>(plemora.wakeUps() - before) / (2 * settings.seconds);
@@ -262,11 +316,19 @@ void printIdle(const Settings& settings) {
               worst * 1000);
 }
 
-std::vector<int> numbers(const std::string& text) {
-  std::vector<int> result;
+std::vector<std::string> words(const std::string& text) {
+  std::vector<std::string> result;
   std::istringstream in(text);
   for (std::string item; std::getline(in, item, ',');) {
-    result.push_back(std::stoi(item));
+    result.push_back(item);
+  }
+  return result;
+}
+
+std::vector<int> numbers(const std::string& text) {
+  std::vector<int> result;
+  for (const std::string& word : words(text)) {
+    result.push_back(std::stoi(word));
   }
   return result;
 }
@@ -284,14 +346,17 @@ int main(int argc, char** argv) {
         settings.apps = numbers(argv[i + 1]);
       } else if (option == "--quanta") {
         settings.quanta = numbers(argv[i + 1]);
+      } else if (option == "--clients") {
+        settings.clients = words(argv[i + 1]);
       } else {
-        std::fprintf(stderr, "usage: tap_compare [--seconds N] [--apps 1,8] [--quanta 1024,256]\n");
+        std::fprintf(stderr,
+                     "usage: tap_compare [--seconds N] [--apps 1,8] [--quanta 1024,256] "
+                     "[--clients native,pulse]\n");
         return 2;
       }
     }
     printPaths(settings);
     printIdle(settings);
-    std::printf("\n");
     printCosts(settings);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "tap_compare: %s\n", error.what());
