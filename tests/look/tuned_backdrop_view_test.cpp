@@ -69,6 +69,23 @@ TEST_F(TunedBackdropViewTest, PushesTheTuningIntoTheLayersByName) {
   EXPECT_EQ(layer("desktop tint").values["hidden"], 1);
 }
 
+TEST_F(TunedBackdropViewTest, AMatrixCountsWithoutAGain) {
+  const ColorMatrix matrix{0.5F};
+  view->setTuning({.matrix = matrix});
+  show();
+  EXPECT_THAT(layer("backdrop").filters(),
+              ElementsAre(EffectFilter{"mixerGain", "colorMatrix", matrix}));
+}
+
+TEST_F(TunedBackdropViewTest, TakesOverAViewThatIsShownAlready) {
+  view.reset();
+  show();
+  EXPECT_EQ(writes(), 0);
+  view.emplace(effect, queue);
+  queue.drain();
+  EXPECT_EQ(writes(), 2);
+}
+
 TEST_F(TunedBackdropViewTest, FindsEveryBackdropHoweverDeep) {
   const auto deep = std::make_shared<ScriptedEffectLayer>("backdrop");
   const auto first = std::make_shared<ScriptedEffectLayer>(
