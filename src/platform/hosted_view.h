@@ -17,6 +17,9 @@ class HostedView {
   /// changed.
   virtual void setHeightHandler(std::function<void(double height)> handler) = 0;
 
+  /// The most that a window can give it, in points; a view that wants more scrolls. 0: any height.
+  virtual void setMaximumHeight(double /*height*/) {}
+
   /// While it is false the view runs no animation and no timer.
   virtual void setVisible(bool isVisible) = 0;
 };

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "audio/mixer_model.h"
+#include "menubar/glass_panel.h"
+#include "menubar/layout_helpers.h"
+#include "menubar/menu_bar_services.h"
+#include "menubar/panel_placement.h"
+#include "menubar/panel_view.h"
+#include "menubar/window_animation.h"
+#include "platform/input_events.h"
+#include "platform/main_queue.h"
+#include "platform/screens.h"
+#include "platform/status_bar.h"
+
+namespace plemora {
+
+/// Owns the program's item in the menu bar or tray and the mixer panel that drops down from it. A
+/// left click toggles the panel, a right click shows a menu, a middle click mutes and the wheel
+/// turns the default device. Lives as long as the program; main thread.
+class StatusItemController {
+ public:
+  /// Where the panel hangs.
+  enum class Anchor { menuBar = 0, controlCenter = 1 };
+
+  /// Makes what draws the panel's content; the panel view outlives it.
+  using MakeContent = std::function<std::shared_ptr<HostedView>(PanelView&)>;
+
+  StatusItemController(MixerModel& model, const MenuBarServices& services,
+                       const MakeContent& makeContent, ControlCenterHooks controlCenter = {});
+  ~StatusItemController();
+  StatusItemController(const StatusItemController&) = delete;
+  StatusItemController& operator=(const StatusItemController&) = delete;
+
+  /// Shows the setup flow.
+  std::function<void()> onSetUp;
+
+  void open(Anchor from);
+  void close();
+  /// False from the moment that the panel has faded away.
+  bool isPanelVisible() { return panel_->isOnScreen(); }
+
+  void clicked(StatusButtonEvent event);
+  /// Closes the panel and pops the menu up.
+  void showMenu();
+  void updateIcon(std::optional<float> volume, bool muted);
+  void contentHeightChanged(double height);
+  /// The item's button, global, y up; none while it has no window.
+  std::optional<Rect> iconFrame() const { return statusItem_->frame(); }
+
+  void setUpFromMenu();
+  void restoreAppleSound();
+  void checkForUpdates();
+
+  PanelView& panelView() { return panelView_; }
+  GlassPanel& panel() { return *panel_; }
+
+ private:
+  static constexpr double initialContentHeight = 300;
+
+  void subscribe();
+  void toggleMasterMute();
+  void turnMaster(int notches);
+  std::vector<MenuItem> menuItems();
+  std::vector<MenuItem> menuItemsOfHost();
+  Rect anchorRect() const;
+  PanelPlacement place() const;
+  void installMonitors();
+  void removeMonitors();
+  void clickedElsewhere(const InputEvent& event);
+
+  MixerModel& model_;
+  const MenuBarServices services_;
+  const ControlCenterHooks controlCenter_;
+  PanelVisibility visibility_;
+  PanelView panelView_;
+  std::shared_ptr<HostedView> content_;
+  std::shared_ptr<GlassPanel> panel_;
+  VisibilityGate gate_;
+  WindowAnimation animation_;
+  double contentHeight_ = initialContentHeight;
+  Anchor anchor_ = Anchor::menuBar;
+  std::optional<HeightReader> heightReader_;
+  std::optional<SymbolImage> image_;    // as shown
+  std::optional<float> turnedTo_;       // by the wheel, and not yet told by the device
+  std::optional<double> closedOnIcon_;  // media time of a click on the item that closed the panel
+  std::vector<std::unique_ptr<EventMonitor>> monitors_;
+  Timer permissionTimer_;
+  std::unique_ptr<StatusItem> statusItem_;
+  std::vector<Subscription> cancellables_;
+};
+
+}  // namespace plemora
