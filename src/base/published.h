@@ -54,6 +54,12 @@ class Published {
     }
   }
 
+  /// Changes the value and tells nobody: for what observers learn in another way.
+  template <typename Change>
+  void changeSilently(Change change) {
+    change(value_);
+  }
+
   /// Calls the observer at every later assignment, until the subscription is dropped.
   [[nodiscard]] Subscription subscribe(Observer observer) {
     std::erase_if(observers_, [](const auto& weak) { return weak.expired(); });

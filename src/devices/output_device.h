@@ -16,6 +16,11 @@ struct OutputDevice {
   std::string symbol;    ///< name of its icon
   FourCharCode transport = 0;
 
+  /// Whether it is worn: the symbol says so.
+  bool isHeadphones() const {
+    return symbol == "headphones" || symbol == "beats.headphones" || symbol.starts_with("airpods");
+  }
+
   bool operator==(const OutputDevice&) const = default;
 };
 

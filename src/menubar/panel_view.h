@@ -13,6 +13,7 @@
 #include "base/published.h"
 #include "menubar/level_meters.h"
 #include "menubar/panel_row.h"
+#include "platform/main_queue.h"
 
 namespace plemora {
 
@@ -36,6 +37,7 @@ class PanelView {
     UserDefaults& defaults;
     Clock& clock;
     RoutePicker& routePicker;
+    MainQueue& mainQueue;
   };
 
   PanelView(MixerModel& model, Services services, std::function<void()> onSetUp,
@@ -70,6 +72,10 @@ class PanelView {
   /// The height of all rows together.
   double height() const;
 
+  /// Of the master slider: what the user has just set, else what the device says, 1 when it has no
+  /// volume that can be set.
+  float masterVolume() const;
+
   // What the user does. An id or UID that is not listed is ignored.
   void setMasterVolume(float volume);
   void toggleMasterMute();
@@ -91,29 +97,37 @@ class PanelView {
   std::optional<double> lastPickerClosed() const { return lastPickerClosed_; }
 
  private:
-  using Channels = std::vector<AppChannel>;
+  /// Seconds that a device may take to answer to a new volume; what it says meanwhile is older.
+  static constexpr double answerTime = 0.3;
 
   void observe();
+  void channelsChanged(const std::vector<AppChannel>& channels);
+  void volumeChanged(const VolumeChange& change);
+  void masterVolumeChanged();
+  void forgetMaster();
+  void showSlider(PanelRowKind kind, const std::string& id);
   void update();
+
+  PanelRows makeRows() const;
   PanelRow masterRow() const;
   void appendApps(PanelRows& result) const;
   PanelRow appRow(const AppChannel& channel, bool isCompact) const;
   PanelRow outputsRow(const AppChannel& channel) const;
-  void appendOutputs(PanelRows& result) const;
-  void showSlider(const SliderState& state);
-  void masterChanged();
-  void volumeChanged(const VolumeChange& change);
-  AppChannel* find(const std::string& id);
-  const OutputDevice* findDevice(const std::string& uid) const;
+  void appendDevices(PanelRows& result) const;
+  float appVolume(const AppChannel& channel) const;
+  const AppChannel* find(const std::string& id) const;
 
   MixerModel& model_;
   OutputDevices& outputs_;
   const Services services_;
-  std::function<void()> onSetUp_;
-  std::function<void()> onSoundSettings_;
-  Channels channels_;  // as published, with the volumes set since
+  const std::function<void()> onSetUp_;
+  const std::function<void()> onSoundSettings_;
+  std::vector<AppChannel> channels_;  // as published, with the volumes set since
   std::optional<std::string> expandedApp_;
-  std::map<std::string, float> held_;  // sliders in a user's hand, and where they are
+  std::map<std::string, float> held_;  // apps' sliders in the user's hand, and where they are
+  bool isMasterHeld_ = false;
+  std::optional<float> masterShown_;  // as set by the user, while held or not yet answered
+  Timer masterAnswer_;
   bool isVisible_ = false;
   std::optional<double> lastPickerClosed_;
   LevelMeters levelMeters_;
