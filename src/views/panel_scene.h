@@ -7,19 +7,18 @@
 #include "platform/hosted_view.h"
 #include "views/quick_view.h"
 
-class QQuickItem;
-
 namespace plemora {
 
+class ControlCenterLook;
 class PanelView;
 
 /// The mixer panel as a Qt Quick item: draws what a PanelView decides and hands the user's gestures
 /// to it. The QML engine is made when the item or its height is first asked for, and not before.
-/// Main thread, after the QGuiApplication was made with the software renderer.
+/// Main thread, once there is a QGuiApplication; windows that show it use the software renderer.
 class PanelScene : public HostedView, public QuickView {
  public:
-  /// The view outlives the scene.
-  explicit PanelScene(PanelView& view);
+  /// Both outlive the scene.
+  PanelScene(PanelView& view, const ControlCenterLook& look);
   ~PanelScene() override;
   PanelScene(const PanelScene&) = delete;
   PanelScene& operator=(const PanelScene&) = delete;
@@ -33,17 +32,19 @@ class PanelScene : public HostedView, public QuickView {
   /// The height in points beyond which the content scrolls instead of growing; none while it is 0.
   void setMaximumHeight(double height);
 
-  /// Where a place in the scene (points, y down) lies on the screens (global, y up). Needed for
-  /// the list of AirPlay receivers to open at its row.
-  void setScreenMapping(std::function<Rect(const Rect& inScene)> toScreen);
+  /// Where a place in the item's window (points, y down) lies on the screens (global, y up). The
+  /// list of AirPlay receivers opens there; without it the two are taken for the same.
+  void setScreenMapping(std::function<Rect(const Rect& inWindow)> toScreen);
 
   /// Whether the engine has been made.
-  bool isBuilt() const;
+  bool isBuilt() const { return parts_ != nullptr; }
 
  private:
   class Parts;
+  Parts& parts();
 
   PanelView& view_;
+  const ControlCenterLook& look_;
   std::unique_ptr<Parts> parts_;
   std::function<void(double)> heightHandler_;
   std::function<Rect(const Rect&)> toScreen_;

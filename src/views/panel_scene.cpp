@@ -1,0 +1,150 @@
+#include "views/panel_scene.h"
+
+#include <QEvent>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <utility>
+
+#include "base/log.h"
+#include "views/image_providers.h"
+#include "views/panel_binding.h"
+
+// Made by Qt's tools beside the sources: the components' types, and their compiled form.
+extern void qml_register_types_Plemora();
+
+namespace plemora {
+
+namespace {
+
+constexpr Logger logger("views");
+
+bool isModifier(int key) {
+  return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt ||
+         key == Qt::Key_Meta;
+}
+
+/// Marks the focused control from the first key until the pointer is used.
+class FocusWatch : public QObject {
+ public:
+  explicit FocusWatch(PanelBinding& panel) : panel_(panel) {}
+
+  void watch(QQuickWindow* window) {
+    if (window_ != nullptr) {
+      window_->removeEventFilter(this);
+    }
+    window_ = window;
+    if (window_ != nullptr) {
+      window_->installEventFilter(this);
+    }
+  }
+
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress) {
+      if (!isModifier(static_cast<QKeyEvent*>(event)->key())) {
+        panel_.setShowsFocus(true);
+      }
+    } else if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::TouchBegin) {
+      panel_.setShowsFocus(false);
+    }
+    return false;
+  }
+
+ private:
+  PanelBinding& panel_;
+  QPointer<QQuickWindow> window_;
+};
+
+}  // namespace
+
+/// What is made at the first use.
+class PanelScene::Parts {
+ public:
+  Parts(PanelView& view, const ControlCenterLook& look) : panel(view, look), focus_(panel) {
+    qml_register_types_Plemora();
+    engine_.setOutputWarningsToStandardError(true);
+    engine_.addImageProvider("symbol", new SymbolProvider);    // the engine owns it
+    engine_.addImageProvider("appicon", new AppIconProvider);  // the engine owns it
+    QQmlComponent component(&engine_, QUrl("qrc:/qt/qml/Plemora/HostedPanel.qml"));
+    std::unique_ptr<QObject> root(
+        component.createWithInitialProperties({{"panel", QVariant::fromValue(&panel)}}));
+    item.reset(qobject_cast<QQuickItem*>(root.get()));
+    if (item == nullptr) {
+      logger.error(
+          "The panel cannot be shown, since its views do not load; reinstall the "
+          "program. " +
+          component.errorString().simplified().toStdString());
+      return;
+    }
+    root.release();
+    QObject::connect(item.get(), &QQuickItem::windowChanged, &focus_,
+                     [this](QQuickWindow* window) { focus_.watch(window); });
+  }
+
+  PanelBinding panel;
+
+ private:
+  FocusWatch focus_;
+  QQmlEngine engine_;
+
+ public:
+  std::unique_ptr<QQuickItem> item;  // goes before the engine
+};
+
+PanelScene::PanelScene(PanelView& view, const ControlCenterLook& look) : view_(view), look_(look) {}
+
+PanelScene::~PanelScene() = default;
+
+PanelScene::Parts& PanelScene::parts() {
+  if (parts_ == nullptr) {
+    parts_ = std::make_unique<Parts>(view_, look_);
+    PanelBinding& panel = parts_->panel;
+    panel.setMaximumHeight(maximumHeight_);
+    panel.setScreenMapping(toScreen_);
+    panel.setVisible(isVisible_);
+    QObject::connect(&panel, &PanelBinding::heightChanged, &panel, [this, &panel] {
+      if (heightHandler_) {
+        heightHandler_(panel.height());
+      }
+    });
+  }
+  return *parts_;
+}
+
+double PanelScene::fittingHeight() {
+  return parts().panel.height();
+}
+
+QQuickItem* PanelScene::item() {
+  return parts().item.get();
+}
+
+void PanelScene::setHeightHandler(std::function<void(double)> handler) {
+  heightHandler_ = std::move(handler);
+}
+
+void PanelScene::setVisible(bool isVisible) {
+  isVisible_ = isVisible;
+  if (parts_ != nullptr) {
+    parts_->panel.setVisible(isVisible);
+  }
+}
+
+void PanelScene::setMaximumHeight(double height) {
+  maximumHeight_ = height;
+  if (parts_ != nullptr) {
+    parts_->panel.setMaximumHeight(height);
+  }
+}
+
+void PanelScene::setScreenMapping(std::function<Rect(const Rect&)> toScreen) {
+  toScreen_ = std::move(toScreen);
+  if (parts_ != nullptr) {
+    parts_->panel.setScreenMapping(toScreen_);
+  }
+}
+
+}  // namespace plemora

@@ -1,0 +1,21 @@
+import QtQuick
+
+/// The panel as a window shows it: at rest while it is off screen.
+VisibilityGate {
+    id: root
+
+    required property PanelBinding panel
+
+    isVisible: panel.isVisible
+    width: panel.width
+    height: panel.height
+    clip: true
+
+    PanelView {
+        width: root.width
+        height: root.panel.height
+        focus: true
+        panel: root.panel
+        animates: root.animates
+    }
+}
