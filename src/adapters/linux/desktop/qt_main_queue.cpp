@@ -16,9 +16,14 @@ namespace {
 
 constexpr double coarseFrom = 1.0;  // seconds
 
-class QtScheduledWork : public ScheduledWork {
+}  // namespace
+
+class QtMainQueue::Work : public ScheduledWork {
  public:
-  QtScheduledWork(QObject& receiver, double seconds, bool repeats, std::function<void()> work) {
+  Work(std::shared_ptr<std::set<Work*>> all, QObject& receiver, double seconds, bool repeats,
+       std::function<void()> work)
+      : all_(std::move(all)) {
+    all_->insert(this);
     // Rounded up: never early.
     const double milliseconds = std::ceil(std::max(0.0, seconds) * 1000 - 1e-6);
     timer_.setInterval(static_cast<int>(
@@ -33,12 +38,28 @@ class QtScheduledWork : public ScheduledWork {
     });
     timer_.start();
   }
+  ~Work() override { all_->erase(this); }
+
+  void rest() {
+    left_ = timer_.isActive() ? timer_.remainingTimeAsDuration() : std::chrono::milliseconds(-1);
+    timer_.stop();
+  }
+  // The loop that the timer comes back to need not be the one that it was started in.
+  void resume() {
+    if (left_.count() < 0) {
+      return;
+    }
+    if (timer_.isSingleShot()) {
+      timer_.setInterval(left_);
+    }
+    timer_.start();
+  }
 
  private:
+  std::shared_ptr<std::set<Work*>> all_;
   QTimer timer_;
+  std::chrono::milliseconds left_{-1};
 };
-
-}  // namespace
 
 QtMainQueue::QtMainQueue() : receiver_(std::make_unique<Receiver>()) {}
 QtMainQueue::~QtMainQueue() = default;
@@ -47,12 +68,24 @@ void QtMainQueue::async(std::function<void()> work) {
   QMetaObject::invokeMethod(receiver_.get(), std::move(work), Qt::QueuedConnection);
 }
 
+void QtMainQueue::rest() {
+  for (Work* work : *scheduled_) {
+    work->rest();
+  }
+}
+
+void QtMainQueue::resume() {
+  for (Work* work : *scheduled_) {
+    work->resume();
+  }
+}
+
 Timer QtMainQueue::after(double seconds, std::function<void()> work) {
-  return std::make_unique<QtScheduledWork>(*receiver_, seconds, false, std::move(work));
+  return std::make_unique<Work>(scheduled_, *receiver_, seconds, false, std::move(work));
 }
 
 Timer QtMainQueue::every(double seconds, std::function<void()> work) {
-  return std::make_unique<QtScheduledWork>(*receiver_, seconds, true, std::move(work));
+  return std::make_unique<Work>(scheduled_, *receiver_, seconds, true, std::move(work));
 }
 
 }  // namespace plemora

@@ -107,11 +107,15 @@ std::optional<std::string> XdgLoginItem::enable() {
   }
   const fs::path file = operations_->target(folder_ / fileName);
   std::string present;
-  if (operations_->read(file, present) == 0 && isSwitchedOff(present)) {
+  int error = operations_->read(file, present);
+  if (error == 0 && isSwitchedOff(present)) {
     return std::nullopt;
   }
+  if (error != 0 && error != ENOENT) {
+    return file.string() + " cannot be read: " + describe(error);
+  }
   const fs::path fresh = file.parent_path() / ("." + file.filename().string() + ".new");
-  int error = operations_->write(fresh, entry(executable_));
+  error = operations_->write(fresh, entry(executable_));
   if (error == 0) {
     error = operations_->sync(fresh);
   }
