@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 
 #include "base/geometry.h"
 #include "platform/hosted_view.h"

@@ -11,8 +11,8 @@ LevelMeters::LevelMeters(TapLevels& levels, std::function<void(const Levels&)> c
 
 void LevelMeters::start() {
   if (!watch_) {
-    watch_ = tapLevels_.watch(interval,
-                              [this](const std::vector<TapLevel>& levels) { take(levels); });
+    watch_ =
+        tapLevels_.watch(interval, [this](const std::vector<TapLevel>& levels) { take(levels); });
   }
 }
 

@@ -43,7 +43,7 @@ class StatusItemController {
   void open(Anchor from);
   void close();
   /// False from the moment that the panel has faded away.
-  bool isPanelVisible() { return panel_->isOnScreen(); }
+  bool isPanelVisible() const { return panel_->isOnScreen(); }
 
   void clicked(StatusButtonEvent event);
   /// Closes the panel and pops the menu up.
@@ -64,7 +64,6 @@ class StatusItemController {
   static constexpr double initialContentHeight = 300;
 
   void subscribe();
-  void toggleMasterMute();
   void turnMaster(int notches);
   std::vector<MenuItem> menuItems();
   std::vector<MenuItem> menuItemsOfHost();
@@ -83,9 +82,10 @@ class StatusItemController {
   std::shared_ptr<GlassPanel> panel_;
   VisibilityGate gate_;
   WindowAnimation animation_;
+  HeightReader heightReader_;
   double contentHeight_ = initialContentHeight;
   Anchor anchor_ = Anchor::menuBar;
-  std::optional<HeightReader> heightReader_;
+  PanelPlacement placement_;
   std::optional<SymbolImage> image_;    // as shown
   std::optional<float> turnedTo_;       // by the wheel, and not yet told by the device
   std::optional<double> closedOnIcon_;  // media time of a click on the item that closed the panel

@@ -22,7 +22,7 @@ class WindowAnimation {
   void animateFrame(const Rect& target, double duration);
   /// The completion runs once the alpha is exactly there; never when something else took over.
   void animateAlpha(double target, double duration, std::function<void()> completion = {});
-  /// Leaves the frame, the alpha or both where they are.
+  /// Leaves frame and alpha where they are.
   void stop();
 
   bool isRunning() const { return link_ != nullptr; }
@@ -41,10 +41,12 @@ class WindowAnimation {
     double start = 0;
     double duration = 0;
 
-    double progress(double now) const;
+    bool isOver(double now) const;
+    Value at(double now) const;
   };
 
-  void run();
+  /// Asks for the frames of the window's screen, unless they come already.
+  void run(PanelWindow& window);
   void tick();
 
   std::weak_ptr<PanelWindow> window_;
