@@ -45,6 +45,16 @@ PixelTransform transformFor(const ColorMatrix& matrix, const std::vector<Color>&
   return transform;
 }
 
+Color desktopTint(const Color& mean, const GlassLook& look) {
+  constexpr double shade = 0.2;
+  const double brightness = 0.2126 * mean.red + 0.7152 * mean.green + 0.0722 * mean.blue;
+  const auto shaded = [&](double part) {
+    return look.isDark ? part * shade : 1 - (1 - part) * shade;
+  };
+  return {shaded(mean.red), shaded(mean.green), shaded(mean.blue),
+          look.desktopTint * (look.isDark ? brightness : 1 - brightness)};
+}
+
 /// Which pixel of the image is shown at each pixel of a row or a column.
 std::vector<int> sources(int from, int count, double perPixel, double first, int available) {
   std::vector<int> result(static_cast<std::size_t>(count));
@@ -132,7 +142,7 @@ void BackdropFilter::render(const GlassLook& look, double scale, Raster& target)
   blur({target.width(), target.height(), margin, scale, sigma});
   auto washes = look.washes;
   if (look.desktopTint > 0) {
-    washes.push_back({mean_.red, mean_.green, mean_.blue, look.desktopTint});
+    washes.push_back(desktopTint(mean_, look));
   }
   const PixelTransform transform =
       transformFor(isUsable(look.matrix) ? look.matrix : identityMatrix, washes);

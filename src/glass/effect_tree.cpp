@@ -127,6 +127,7 @@ GlassLook EffectTree::look() const {
                  .matrix = identityMatrix,
                  .washes = {},
                  .desktopTint = 0,
+                 .isDark = material_.isDark,
                  .translucent = material_.translucent,
                  .opaque = material_.opaque};
   for (const EffectFilter& filter : backdrop_->filterList()) {

@@ -58,7 +58,8 @@ Material material(int number, bool isDark) {
           .fillOpacity = row.fillOpacity,
           .tone = Color::gray(isDark ? 0 : 1),
           .toneOpacity = isDark ? 0.08 : 0.10,
-          .tintOpacity = 0.04,
+          .tintOpacity = 0.5,
+          .isDark = isDark,
           .translucent = cool(level + (isDark ? 0.02 : 0), translucentAlpha),
           .opaque = cool(level + (isDark ? 0.05 : -0.01), 1)};
 }
@@ -70,7 +71,8 @@ GlassLook systemGlassLook(const SystemGlassOptions& options, bool isDark) {
                  .margin = 36,
                  .matrix = saturationMatrix(isClear ? 1.2 : 1.6),
                  .washes = {cool(level, isClear ? 0.16 : 0.46)},
-                 .desktopTint = 0,
+                 .desktopTint = 0.35,
+                 .isDark = isDark,
                  .translucent = cool(level, isClear ? 0.6 : translucentAlpha),
                  .opaque = cool(level + (isDark ? 0.04 : -0.02), 1)};
   if (options.subduedState != 0) {

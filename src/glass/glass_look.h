@@ -14,7 +14,11 @@ struct GlassLook {
   double margin = 0;      ///< how far beyond its bounds it samples, points
   ColorMatrix matrix{};
   std::vector<Color> washes;
-  double desktopTint = 0;  ///< how much of the mean colour of what lies behind is laid over it
+  /// How strongly, 0...1, a shade of the mean colour of what lies behind is laid over it: a dark
+  /// one where that is bright, or in light appearance a light one where it is dark. It keeps text
+  /// legible that is made for the appearance.
+  double desktopTint = 0;
+  bool isDark = true;
 
   Color translucent;  ///< instead of all this over a compositor that shows what lies behind
   Color opaque;       ///< instead of all this where nothing is known of it
@@ -32,6 +36,7 @@ struct Material {
   Color tone;
   double toneOpacity = 0;
   double tintOpacity = 0;
+  bool isDark = true;
   Color translucent;
   Color opaque;
 };
