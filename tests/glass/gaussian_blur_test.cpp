@@ -36,14 +36,16 @@ struct Accuracy {
 
 TEST(GaussianBlurTest, IsCloseToAGaussian) {
   // Levels of 255. Three boxes are furthest from a Gaussian, in its tails, while they are narrow.
-  const Accuracy cases[] = {{0.5, 0.9, 14}, {1, 0.9, 10}, {2, 0.8, 9},  {2.5, 0.8, 9},
-                            {6, 0.7, 8},    {20, 0.6, 7}, {40, 0.6, 6}, {60, 0.6, 6}};
+  const Accuracy cases[] = {{0.5, 0.9, 14}, {1, 0.9, 10}, {2, 0.8, 9}, {2.5, 0.8, 9},
+                            {6, 0.7, 8},    {20, 0.6, 7}, {40, 0.6, 6}};
   for (const Accuracy& c : cases) {
     SCOPED_TRACE(c.sigma);
-    const Raster source = testPicture(150, 101);
+    // At the border boxes and Gaussians differ in what they take to lie beyond.
+    const int border = static_cast<int>(std::ceil(3 * c.sigma));
+    const Raster source = testPicture(70 + 2 * border, 50 + 2 * border);
     Raster blurred = source;
     GaussianBlur(c.sigma).apply(blurred);
-    const Errors errors = errorsAgainstGaussian(source, blurred, c.sigma);
+    const Errors errors = errorsAgainstGaussian(source, blurred, c.sigma, border);
     EXPECT_LT(errors.mean, c.mean);
     EXPECT_LT(errors.worst, c.worst);
   }

@@ -51,8 +51,9 @@ struct Errors {
   double worst = 0;
 };
 
-/// A Gaussian by its definition, edges repeated, and how far the picture is from that.
-inline Errors errorsAgainstGaussian(const Raster& source, const Raster& blurred, double sigma) {
+/// How far the picture is from a Gaussian by its definition, but for a border of that many pixels.
+inline Errors errorsAgainstGaussian(const Raster& source, const Raster& blurred, double sigma,
+                                    int border) {
   const int reach = static_cast<int>(std::ceil(4 * sigma));
   std::vector<double> weights;
   double total = 0;
@@ -77,15 +78,15 @@ inline Errors errorsAgainstGaussian(const Raster& source, const Raster& blurred,
         }
       }
     }
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
+    for (int y = border; y < height - border; ++y) {
+      for (int x = border; x < width - border; ++x) {
         double value = 0;
         for (int i = -reach; i <= reach; ++i) {
           value += weights[static_cast<std::size_t>(i + reach)] / total *
                    across[index(x, std::clamp(y + i, 0, height - 1))];
         }
         const double error = std::abs(value - component(blurred.at(x, y), shift));
-        errors.mean += error / (4.0 * static_cast<double>(across.size()));
+        errors.mean += error / (4.0 * (width - 2 * border) * (height - 2 * border));
         errors.worst = std::max(errors.worst, error);
       }
     }
