@@ -32,7 +32,8 @@ ROOMS = {
     "adapters/linux/tray": ["views", "adapters/linux/desktop"],
     "main/process": [],
     "main/ctl": ["adapters/linux/dbus", "main/process"],
-    "main": ["main/ctl", "main/process", "adapters/linux/pipewire", "adapters/linux/windows",
+    "main/gallery": ["adapters/stage", "views"],
+    "main": ["main/ctl", "main/gallery", "main/process", "adapters/linux/pipewire", "adapters/linux/windows",
              "adapters/linux/tray", "adapters/stage"],
 }
 
