@@ -8,18 +8,17 @@
 
 namespace plemora {
 
-/// Pointer and keyboard in the hands of a script. Main thread; monitors may outlive it.
+/// Pointer and keyboard of a script. Main thread.
 class ScriptedInputEvents : public InputEvents {
  public:
   Point pointer;
 
-  /// The event goes to another application.
+  /// An event for another application.
   void sendElsewhere(const InputEvent& event);
-  /// The event is for a window of this program; true when a monitor swallowed it.
+  /// An event for one of this program's windows; true when a monitor has swallowed it.
   bool sendHere(const InputEvent& event);
-
-  int globalMonitors() const { return count(true); }
-  int localMonitors() const { return count(false); }
+  /// Monitors that watch now, to find forgotten ones.
+  int monitorCount() const;
 
   [[nodiscard]] std::unique_ptr<EventMonitor> monitorGlobal(
       unsigned mask, std::function<void(const InputEvent&)> handler) override;
@@ -28,18 +27,14 @@ class ScriptedInputEvents : public InputEvents {
   Point pointerLocation() override { return pointer; }
 
  private:
-  struct Handler {
-    bool isGlobal;
-    unsigned mask;
-    std::function<bool(const InputEvent&)> swallows;
-  };
-  class Monitor;
+  struct Watch;
+  class Hold;
 
-  std::unique_ptr<EventMonitor> add(Handler handler);
-  bool send(const InputEvent& event, bool isGlobal);
-  int count(bool isGlobal) const;
+  std::unique_ptr<EventMonitor> add(bool isGlobal, unsigned mask,
+                                    std::function<bool(const InputEvent&)> handler);
+  bool send(bool isGlobal, const InputEvent& event);
 
-  std::vector<std::weak_ptr<Handler>> handlers_;
+  std::vector<std::weak_ptr<Watch>> watches_;
 };
 
 }  // namespace plemora

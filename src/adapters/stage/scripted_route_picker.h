@@ -8,28 +8,25 @@
 
 namespace plemora {
 
-/// A list of receivers that is open until the script closes it. Main thread.
+/// The list of AirPlay receivers of a script. Main thread.
 class ScriptedRoutePicker : public RoutePicker {
  public:
-  void present(const Rect& anchor, std::function<void()> didEnd) override {
-    anchors_.push_back(anchor);
-    didEnd_ = std::move(didEnd);
-  }
+  std::vector<Rect> anchors;  ///< of every time that the list was shown
 
-  /// The user is done with the list.
-  void close() {
+  /// The user closes the list.
+  void end() {
     if (const auto didEnd = std::exchange(didEnd_, nullptr)) {
       didEnd();
     }
   }
 
-  bool isOpen() const { return didEnd_ != nullptr; }
-  /// Where it was shown, in order.
-  const std::vector<Rect>& anchors() const { return anchors_; }
+  void present(const Rect& anchor, std::function<void()> didEnd) override {
+    anchors.push_back(anchor);
+    didEnd_ = std::move(didEnd);
+  }
 
  private:
   std::function<void()> didEnd_;
-  std::vector<Rect> anchors_;
 };
 
 }  // namespace plemora

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <utility>
 #include <vector>
 
 #include "platform/display_link.h"
@@ -10,34 +8,24 @@
 
 namespace plemora {
 
-/// Frames of displays by the time of a main queue, so with a virtual one nothing moves by itself.
-/// Main thread; the queue outlives it.
+/// Display links that tick by the timers of a main queue, so by its clock. Main thread; the queue
+/// outlives the links.
 class VirtualDisplayLinks : public DisplayLinks {
  public:
   explicit VirtualDisplayLinks(MainQueue& queue, double refreshRate = 60)
       : queue_(queue), refreshRate_(refreshRate) {}
 
-  /// The screen that each link so far was made for, in order.
-  const std::vector<int>& madeFor() const { return madeFor_; }
-
   [[nodiscard]] std::unique_ptr<DisplayLink> makeLink(int screen,
-                                                      std::function<void()> tick) override {
-    madeFor_.push_back(screen);
-    return std::make_unique<Link>(queue_.every(1 / refreshRate_, std::move(tick)));
-  }
+                                                      std::function<void()> tick) override;
+
+  /// The screen of every link made, in order.
+  std::vector<int> screens;
 
  private:
-  class Link : public DisplayLink {
-   public:
-    explicit Link(Timer timer) : timer_(std::move(timer)) {}
-
-   private:
-    Timer timer_;
-  };
+  class Link;
 
   MainQueue& queue_;
   double refreshRate_;
-  std::vector<int> madeFor_;
 };
 
 }  // namespace plemora
