@@ -48,6 +48,8 @@ void PanelView::channelsChanged(const std::vector<AppChannel>& channels) {
   if (expandedApp_ && find(*expandedApp_) == nullptr) {
     expandedApp_.reset();
   }
+  // Who held the slider of an app that has gone does not let go of it any more.
+  std::erase_if(held_, [this](const auto& held) { return find(held.first) == nullptr; });
   update();
 }
 
@@ -83,7 +85,9 @@ void PanelView::forgetMaster() {
 }
 
 float PanelView::masterVolume() const {
-  return masterShown_ ? *masterShown_ : outputs_.volume.get().value_or(1.0f);
+  const float volume = masterShown_ ? *masterShown_ : outputs_.volume.get().value_or(1.0f);
+  // A driver may say anything; what is no number would count as another volume at every look.
+  return volume > 0 ? std::min(volume, 1.0f) : 0.0f;
 }
 
 void PanelView::showSlider(PanelRowKind kind, const std::string& id) {
