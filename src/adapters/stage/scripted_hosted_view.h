@@ -2,33 +2,42 @@
 
 #include <functional>
 #include <utility>
-#include <vector>
 
 #include "platform/hosted_view.h"
 
 namespace plemora {
 
-/// A view whose height a script sets. Main thread.
+/// A view as high as a script says. Main thread.
 class ScriptedHostedView : public HostedView {
  public:
-  double height = 0;  ///< that it wants to be
-  double maximumHeight = 0;
-  std::vector<bool> visibility;  ///< every setVisible, in order
+  double height = 300;       ///< 0: it does not know
+  double maximumHeight = 0;  ///< as given; 0: none yet, or any
+  bool isVisible = false;
+  int measurements = 0;       ///< of its fitting height
+  int visibilityChanges = 0;  ///< calls of setVisible
 
-  /// The view wants another height, and says so at once.
-  void grow(double to) {
-    height = to;
+  /// The content grows or shrinks, and the view tells.
+  void resize(double newHeight) {
+    height = newHeight;
     if (handler_) {
-      handler_(to);
+      handler_(newHeight);
     }
   }
 
-  double fittingHeight() override { return height; }
-  void setHeightHandler(std::function<void(double height)> handler) override {
+  bool hasHeightHandler() const { return handler_ != nullptr; }
+
+  double fittingHeight() override {
+    ++measurements;
+    return height;
+  }
+  void setHeightHandler(std::function<void(double)> handler) override {
     handler_ = std::move(handler);
   }
-  void setMaximumHeight(double most) override { maximumHeight = most; }
-  void setVisible(bool isVisible) override { visibility.push_back(isVisible); }
+  void setMaximumHeight(double value) override { maximumHeight = value; }
+  void setVisible(bool value) override {
+    isVisible = value;
+    ++visibilityChanges;
+  }
 
  private:
   std::function<void(double)> handler_;

@@ -5,62 +5,60 @@
 
 namespace plemora {
 
-struct ScriptedInputEvents::Watch {
-  bool isGlobal = false;
-  unsigned mask = 0;
-  std::function<bool(const InputEvent&)> handler;
-};
-
-class ScriptedInputEvents::Hold : public EventMonitor {
+class ScriptedInputEvents::Monitor : public EventMonitor {
  public:
-  explicit Hold(std::shared_ptr<Watch> watch) : watch_(std::move(watch)) {}
+  explicit Monitor(std::shared_ptr<Handler> handler) : handler_(std::move(handler)) {}
 
  private:
-  std::shared_ptr<Watch> watch_;
+  std::shared_ptr<Handler> handler_;
 };
 
-std::unique_ptr<EventMonitor> ScriptedInputEvents::add(
-    bool isGlobal, unsigned mask, std::function<bool(const InputEvent&)> handler) {
-  auto watch = std::make_shared<Watch>(Watch{isGlobal, mask, std::move(handler)});
-  watches_.push_back(watch);
-  return std::make_unique<Hold>(std::move(watch));
+void ScriptedInputEvents::sendElsewhere(const InputEvent& event) {
+  send(event, true);
+}
+
+bool ScriptedInputEvents::sendHere(const InputEvent& event) {
+  return send(event, false);
 }
 
 std::unique_ptr<EventMonitor> ScriptedInputEvents::monitorGlobal(
     unsigned mask, std::function<void(const InputEvent&)> handler) {
-  return add(true, mask, [handler = std::move(handler)](const InputEvent& event) {
-    handler(event);
-    return false;
-  });
+  return add({true, mask, [handler = std::move(handler)](const InputEvent& event) {
+                handler(event);
+                return false;
+              }});
 }
 
 std::unique_ptr<EventMonitor> ScriptedInputEvents::monitorLocal(
     unsigned mask, std::function<bool(const InputEvent&)> handler) {
-  return add(false, mask, std::move(handler));
+  return add({false, mask, std::move(handler)});
 }
 
-void ScriptedInputEvents::sendElsewhere(const InputEvent& event) {
-  pointer = event.location;
-  send(true, event);
+std::unique_ptr<EventMonitor> ScriptedInputEvents::add(Handler handler) {
+  auto hold = std::make_shared<Handler>(std::move(handler));
+  handlers_.push_back(hold);
+  return std::make_unique<Monitor>(std::move(hold));
 }
 
-bool ScriptedInputEvents::sendHere(const InputEvent& event) {
-  return send(false, event);
-}
-
-bool ScriptedInputEvents::send(bool isGlobal, const InputEvent& event) {
-  const auto round = watches_;
+bool ScriptedInputEvents::send(const InputEvent& event, bool isGlobal) {
   const unsigned bit = 1u << static_cast<unsigned>(event.type);
-  return std::ranges::any_of(round, [&](const std::weak_ptr<Watch>& weak) {
-    const auto watch = weak.lock();
-    return watch && watch->isGlobal == isGlobal && (watch->mask & bit) != 0 &&
-           watch->handler(event);
-  });
+  // A snapshot: handlers come and go while the event is on its way.
+  const auto round = handlers_;
+  for (const auto& weak : round) {
+    const auto handler = weak.lock();
+    if (handler && handler->isGlobal == isGlobal && (handler->mask & bit) != 0 &&
+        handler->swallows(event)) {
+      return true;
+    }
+  }
+  return false;
 }
 
-int ScriptedInputEvents::monitorCount() const {
-  return static_cast<int>(
-      std::ranges::count_if(watches_, [](const auto& watch) { return !watch.expired(); }));
+int ScriptedInputEvents::count(bool isGlobal) const {
+  return static_cast<int>(std::ranges::count_if(handlers_, [isGlobal](const auto& weak) {
+    const auto handler = weak.lock();
+    return handler && handler->isGlobal == isGlobal;
+  }));
 }
 
 }  // namespace plemora

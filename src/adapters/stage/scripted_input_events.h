@@ -8,17 +8,18 @@
 
 namespace plemora {
 
-/// Pointer and keyboard of a script. Main thread.
+/// Pointer and keyboard in the hands of a script. Main thread; monitors may outlive it.
 class ScriptedInputEvents : public InputEvents {
  public:
   Point pointer;
 
-  /// An event for another application.
+  /// The event goes to another application.
   void sendElsewhere(const InputEvent& event);
-  /// An event for one of this program's windows; true when a monitor has swallowed it.
+  /// The event is for a window of this program; true when a monitor swallowed it.
   bool sendHere(const InputEvent& event);
-  /// Monitors that watch now, to find forgotten ones.
-  int monitorCount() const;
+
+  int globalMonitors() const { return count(true); }
+  int localMonitors() const { return count(false); }
 
   [[nodiscard]] std::unique_ptr<EventMonitor> monitorGlobal(
       unsigned mask, std::function<void(const InputEvent&)> handler) override;
@@ -27,14 +28,18 @@ class ScriptedInputEvents : public InputEvents {
   Point pointerLocation() override { return pointer; }
 
  private:
-  struct Watch;
-  class Hold;
+  struct Handler {
+    bool isGlobal;
+    unsigned mask;
+    std::function<bool(const InputEvent&)> swallows;
+  };
+  class Monitor;
 
-  std::unique_ptr<EventMonitor> add(bool isGlobal, unsigned mask,
-                                    std::function<bool(const InputEvent&)> handler);
-  bool send(bool isGlobal, const InputEvent& event);
+  std::unique_ptr<EventMonitor> add(Handler handler);
+  bool send(const InputEvent& event, bool isGlobal);
+  int count(bool isGlobal) const;
 
-  std::vector<std::weak_ptr<Watch>> watches_;
+  std::vector<std::weak_ptr<Handler>> handlers_;
 };
 
 }  // namespace plemora

@@ -8,25 +8,28 @@
 
 namespace plemora {
 
-/// The list of AirPlay receivers of a script. Main thread.
+/// A list of receivers that is open until the script closes it. Main thread.
 class ScriptedRoutePicker : public RoutePicker {
  public:
-  std::vector<Rect> anchors;  ///< of every time that the list was shown
+  void present(const Rect& anchor, std::function<void()> didEnd) override {
+    anchors_.push_back(anchor);
+    didEnd_ = std::move(didEnd);
+  }
 
-  /// The user closes the list.
-  void end() {
+  /// The user is done with the list.
+  void close() {
     if (const auto didEnd = std::exchange(didEnd_, nullptr)) {
       didEnd();
     }
   }
 
-  void present(const Rect& anchor, std::function<void()> didEnd) override {
-    anchors.push_back(anchor);
-    didEnd_ = std::move(didEnd);
-  }
+  bool isOpen() const { return didEnd_ != nullptr; }
+  /// Where it was shown, in order.
+  const std::vector<Rect>& anchors() const { return anchors_; }
 
  private:
   std::function<void()> didEnd_;
+  std::vector<Rect> anchors_;
 };
 
 }  // namespace plemora

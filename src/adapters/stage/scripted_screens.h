@@ -8,13 +8,12 @@
 
 namespace plemora {
 
-/// Displays as a script has them: one of 1440 x 900 points with a menu bar of 24 at first. Main
+/// Displays as a script has them; at first one of 1440 x 900 points with a menu bar of 24. Main
 /// thread.
 class ScriptedScreens : public Screens {
  public:
-  ScriptedScreens() : screens_({Screen{1, {0, 0, 1440, 900}, {0, 0, 1440, 876}}}) {}
+  ScriptedScreens() : screens_({Screen{1, {0, 0, 1440, 900}, {0, 0, 1440, 876}, 1, 60}}) {}
 
-  /// Displays come, go or change; observers hear of it at once.
   void set(std::vector<Screen> screens) { screens_.set(std::move(screens)); }
 
   const Published<std::vector<Screen>>& screens() override { return screens_; }

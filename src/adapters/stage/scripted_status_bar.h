@@ -10,33 +10,32 @@
 
 namespace plemora {
 
-/// A menu bar with one item of ours, which a script clicks. Main thread.
+/// A menu bar whose items a script clicks. It keeps what the latest item shows. Main thread; it
+/// outlives the item.
 class ScriptedStatusBar : public StatusBar {
  public:
-  StatusItemOptions options;
-  StatusItemHandlers handlers;      ///< of the item; call them as the user acts
-  std::vector<SymbolImage> images;  ///< every one set, in order
-  bool isHighlighted = false;
-  std::optional<Rect> frame;   ///< of the item's button; none: it has no window
-  std::vector<MenuItem> menu;  ///< the one popped up last
-  int menusShown = 0;
+  /// Of the button; none: it has no window.
+  std::optional<Rect> frame = Rect{1200, 876, 24, 24};
 
-  /// Chooses an item of the menu popped up last; false when it has none of that title.
-  bool choose(const std::string& title) const { return choose(menu, title); }
-  static bool choose(const std::vector<MenuItem>& items, const std::string& title) {
-    for (const MenuItem& item : items) {
-      if (item.title == title && item.action) {
-        item.action();
-        return true;
-      }
-    }
-    return false;
+  StatusItemOptions options;
+  StatusItemHandlers handlers;
+  std::optional<SymbolImage> image;  ///< none: never set
+  int images = 0;                    ///< set so far
+  bool isHighlighted = false;
+  /// Every menu that popped up, in order.
+  std::vector<std::vector<MenuItem>> menus;
+  bool hasItem = false;
+
+  void click(StatusButtonEvent event = StatusButtonEvent::leftMouseDown) {
+    handlers.clicked(event);
   }
+  void scroll(int steps) { handlers.scrolled(steps); }
 
   [[nodiscard]] std::unique_ptr<StatusItem> makeItem(const StatusItemOptions& itemOptions,
                                                      StatusItemHandlers itemHandlers) override {
     options = itemOptions;
     handlers = std::move(itemHandlers);
+    hasItem = true;
     return std::make_unique<Item>(*this);
   }
 
@@ -44,21 +43,31 @@ class ScriptedStatusBar : public StatusBar {
   class Item : public StatusItem {
    public:
     explicit Item(ScriptedStatusBar& bar) : bar_(bar) {}
-    ~Item() override { bar_.handlers = {}; }
-    Item(const Item&) = delete;
-    Item& operator=(const Item&) = delete;
+    ~Item() override {
+      bar_.hasItem = false;
+      bar_.handlers = {};
+    }
 
-    void setImage(const SymbolImage& image) override { bar_.images.push_back(image); }
+    void setImage(const SymbolImage& image) override {
+      bar_.image = image;
+      ++bar_.images;
+    }
     void setHighlighted(bool isHighlighted) override { bar_.isHighlighted = isHighlighted; }
     std::optional<Rect> frame() override { return bar_.frame; }
-    void popUpMenu(std::vector<MenuItem> items) override {
-      bar_.menu = std::move(items);
-      ++bar_.menusShown;
-    }
+    void popUpMenu(std::vector<MenuItem> items) override { bar_.menus.push_back(std::move(items)); }
 
    private:
     ScriptedStatusBar& bar_;
   };
 };
+
+/// The titles of a menu, in order; "-" for a separator.
+inline std::vector<std::string> menuTitles(const std::vector<MenuItem>& items) {
+  std::vector<std::string> titles;
+  for (const MenuItem& item : items) {
+    titles.push_back(item.title.empty() ? "-" : item.title);
+  }
+  return titles;
+}
 
 }  // namespace plemora

@@ -1,48 +1,101 @@
 #include "adapters/stage/stage_windows.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace plemora {
 
 void StageSurface::clearBackground() {
-  effect = nullptr;
-  glass = nullptr;
+  effect.reset();
+  systemGlass.reset();
 }
 
 std::shared_ptr<EffectView> StageSurface::showEffect(const EffectDescription& description) {
-  glass = nullptr;
+  clearBackground();
   effect = std::make_shared<ScriptedEffectView>(queue_, description);
+  effects_.push_back(effect);
   return effect;
 }
 
 std::shared_ptr<SystemGlassView> StageSurface::showSystemGlass() {
-  effect = nullptr;
-  glass = std::make_shared<ScriptedSystemGlass>();
-  return glass;
+  clearBackground();
+  systemGlass = std::make_shared<ScriptedSystemGlass>();
+  return systemGlass;
 }
 
-void StageSurface::setLayer(std::shared_ptr<Layer> top) {
-  layer = std::move(top);
-  ++layersSet;
+void StageSurface::setLayer(std::shared_ptr<Layer> value) {
+  layer = std::move(value);
+  ++layerUpdates;
+}
+
+StageWindow::StageWindow(StageWindows& owner, const PanelWindowOptions& windowOptions)
+    : options(windowOptions), owner_(&owner), surface_(owner.queue_) {}
+
+StageWindow::~StageWindow() {
+  if (owner_ != nullptr) {
+    std::erase(owner_->windows_, this);
+    std::erase(owner_->stack_, this);
+  }
+}
+
+void StageWindow::setFrame(const Rect& frame) {
+  frame_ = frame;
+  frames.push_back(frame);
+}
+
+void StageWindow::order(WindowOrder order) {
+  orders.push_back(order);
+  isOnScreen_ = order != WindowOrder::out;
+  if (!isOnScreen_) {
+    isKey = false;
+  } else if (owner_ != nullptr) {
+    owner_->bringForward(this);
+  }
+  if (order == WindowOrder::keyAndFront && options.canBecomeKey) {
+    isKey = true;
+  }
 }
 
 std::optional<int> StageWindow::screen() {
+  if (owner_ == nullptr || !isOnScreen_) {
+    return std::nullopt;
+  }
   std::optional<int> best;
-  double most = 0;
-  if (screens_ != nullptr) {
-    for (const Screen& screen : screens_->screens().get()) {
-      const Rect shared = screen.frame.intersection(frame());
-      if (const double area = shared.width * shared.height; area > most) {
-        most = area;
-        best = screen.id;
-      }
+  double largest = 0;
+  for (const Screen& screen : owner_->screens_.screens().get()) {
+    const Rect shared = screen.frame.intersection(frame_);
+    if (shared.width * shared.height > largest) {
+      largest = shared.width * shared.height;
+      best = screen.id;
     }
   }
   return best;
 }
 
+StageWindows::~StageWindows() {
+  for (StageWindow* window : windows_) {
+    window->owner_ = nullptr;
+  }
+}
+
+std::vector<StageWindow*> StageWindows::visible() const {
+  std::vector<StageWindow*> result;
+  std::ranges::copy_if(stack_, std::back_inserter(result),
+                       [](StageWindow* window) { return window->isOnScreen(); });
+  std::ranges::stable_sort(result, {}, [](StageWindow* window) { return window->options.level; });
+  return result;
+}
+
 std::unique_ptr<PanelWindow> StageWindows::makePanel(const PanelWindowOptions& options) {
-  auto window = std::make_unique<StageWindow>(options, queue_, screens_);
-  latest_ = window.get();
+  auto window = std::make_unique<StageWindow>(*this, options);
+  windows_.push_back(window.get());
+  ++made_;
   return window;
+}
+
+void StageWindows::bringForward(StageWindow* window) {
+  std::erase(stack_, window);
+  stack_.push_back(window);
 }
 
 }  // namespace plemora

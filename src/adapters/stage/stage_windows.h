@@ -7,75 +7,98 @@
 
 #include "adapters/stage/scripted_effect_view.h"
 #include "adapters/stage/scripted_system_glass.h"
+#include "platform/main_queue.h"
 #include "platform/panel_window.h"
 #include "platform/screens.h"
 
 namespace plemora {
 
-/// What a window of the stage shows. Main thread.
+/// What a stage window shows. Main thread.
 class StageSurface : public PanelSurface {
  public:
   explicit StageSurface(MainQueue& queue) : queue_(queue) {}
 
-  std::shared_ptr<ScriptedEffectView> effect;  ///< null: that is not the background
-  std::shared_ptr<ScriptedSystemGlass> glass;  ///< null: that is not the background
+  bool flipped = false;
+  std::shared_ptr<ScriptedEffectView> effect;        ///< null: none is shown
+  std::shared_ptr<ScriptedSystemGlass> systemGlass;  ///< null: none is shown
   std::shared_ptr<HostedView> content;
   std::shared_ptr<Layer> layer;
-  int layersSet = 0;
-  bool flipped = false;
+  int layerUpdates = 0;  ///< calls of setLayer
 
   void clearBackground() override;
   std::shared_ptr<EffectView> showEffect(const EffectDescription& description) override;
   std::shared_ptr<SystemGlassView> showSystemGlass() override;
   void setContent(std::shared_ptr<HostedView> view) override { content = std::move(view); }
-  void setLayer(std::shared_ptr<Layer> top) override;
+  void setLayer(std::shared_ptr<Layer> value) override;
   bool isFlipped() override { return flipped; }
 
  private:
   MainQueue& queue_;
+  // Backgrounds live as long as the surface, since their owners may still tune them.
+  std::vector<std::shared_ptr<EffectView>> effects_;
 };
 
-/// A window that keeps what was done to it. Main thread.
+class StageWindows;
+
+/// A window of the stage, which does at once what it is told and keeps a record of it. Main thread;
+/// it may outlive its StageWindows.
 class StageWindow : public PanelWindow {
  public:
-  /// Screens: null when the window is on none.
-  StageWindow(PanelWindowOptions options, MainQueue& queue, Screens* screens)
-      : options(std::move(options)), shown(queue), screens_(screens) {}
+  StageWindow(StageWindows& owner, const PanelWindowOptions& options);
+  ~StageWindow() override;
 
   const PanelWindowOptions options;
-  StageSurface shown;
-  std::vector<Rect> frames;         ///< every one set, in order
-  std::vector<double> alphas;       ///< every one set, in order
-  std::vector<WindowOrder> orders;  ///< every one asked for, in order
+  std::vector<WindowOrder> orders;  ///< in order of their calls
+  std::vector<Rect> frames;         ///< every frame set, in order
+  bool isKey = false;
 
-  Rect frame() override { return frames.empty() ? Rect{} : frames.back(); }
-  void setFrame(const Rect& frame) override { frames.push_back(frame); }
-  double alpha() override { return alphas.empty() ? 1 : alphas.back(); }
-  void setAlpha(double alpha) override { alphas.push_back(alpha); }
-  void order(WindowOrder order) override { orders.push_back(order); }
-  bool isOnScreen() override { return !orders.empty() && orders.back() != WindowOrder::out; }
+  StageSurface& stageSurface() { return surface_; }
+
+  Rect frame() override { return frame_; }
+  void setFrame(const Rect& frame) override;
+  double alpha() override { return alpha_; }
+  void setAlpha(double alpha) override { alpha_ = alpha; }
+  void order(WindowOrder order) override;
+  bool isOnScreen() override { return isOnScreen_; }
   std::optional<int> screen() override;
-  PanelSurface& surface() override { return shown; }
+  PanelSurface& surface() override { return surface_; }
 
  private:
-  Screens* screens_;
+  friend class StageWindows;
+
+  StageWindows* owner_;  // null once it is gone
+  StageSurface surface_;
+  Rect frame_;
+  double alpha_ = 1;
+  bool isOnScreen_ = false;
 };
 
-/// Makes windows of the stage. Main thread; queue and screens outlive the windows.
+/// The windows of the stage. Main thread; queue and screens outlive it.
 class StageWindows : public Windows {
  public:
-  explicit StageWindows(MainQueue& queue, Screens* screens = nullptr)
-      : queue_(queue), screens_(screens) {}
+  StageWindows(MainQueue& queue, Screens& screens) : queue_(queue), screens_(screens) {}
+  ~StageWindows() override;
+  StageWindows(const StageWindows&) = delete;
+  StageWindows& operator=(const StageWindows&) = delete;
+
+  /// Those that exist, oldest first.
+  const std::vector<StageWindow*>& windows() const { return windows_; }
+  /// Those on screen, from back to front: by level, then in the order in which they came forward.
+  std::vector<StageWindow*> visible() const;
+  int made() const { return made_; }
 
   [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
 
-  /// The one made last, for as long as its owner keeps it; null before the first.
-  StageWindow* latest() const { return latest_; }
-
  private:
+  friend class StageWindow;
+
+  void bringForward(StageWindow* window);
+
   MainQueue& queue_;
-  Screens* screens_;
-  StageWindow* latest_ = nullptr;
+  Screens& screens_;
+  std::vector<StageWindow*> windows_;
+  std::vector<StageWindow*> stack_;  // back to front, levels aside
+  int made_ = 0;
 };
 
 }  // namespace plemora
