@@ -101,13 +101,11 @@ Color BackdropFilter::mean() const {
   return {sums[0] * scale, sums[1] * scale, sums[2] * scale, 1};
 }
 
-Raster BackdropFilter::cut(const PixelRect& part, double scale) const {
-  Raster raster(part.width, part.height);
+void BackdropFilter::cut(Raster& raster, int left, int top, double scale) const {
   const double perX = image_.width / (covers_.width * scale);
   const double perY = image_.height / (covers_.height * scale);
-  const auto columns =
-      sources(part.x, raster.width(), perX, covers_.x * scale * perX, image_.width);
-  const auto rows = sources(part.y, raster.height(), perY, covers_.y * scale * perY, image_.height);
+  const auto columns = sources(left, raster.width(), perX, covers_.x * scale * perX, image_.width);
+  const auto rows = sources(top, raster.height(), perY, covers_.y * scale * perY, image_.height);
   for (int y = 0; y < raster.height(); ++y) {
     const auto* from =
         image_.pixels.data() +
@@ -117,16 +115,18 @@ Raster BackdropFilter::cut(const PixelRect& part, double scale) const {
       to[x] = from[columns[x]] | opaqueBits;
     }
   }
-  return raster;
 }
 
 void BackdropFilter::blur(const Key& key) {
   if (key == key_) {
     return;
   }
-  blurred_ =
-      cut({-key.margin, -key.margin, key.width + 2 * key.margin, key.height + 2 * key.margin},
-          key.scale);
+  const int width = key.width + 2 * key.margin;
+  const int height = key.height + 2 * key.margin;
+  if (blurred_.width() != width || blurred_.height() != height) {
+    blurred_.reset(width, height);
+  }
+  cut(blurred_, -key.margin, -key.margin, key.scale);
   GaussianBlur(key.sigma).apply(blurred_);
   key_ = key;
   ++blurCount_;

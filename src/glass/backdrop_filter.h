@@ -38,8 +38,8 @@ class BackdropFilter {
   };
 
   void blur(const Key& key);
-  /// A part of the view's plane, in pixels at that scale.
-  Raster cut(const PixelRect& part, double scale) const;
+  /// Fills the raster with the backdrop from that point of the view on, in pixels at that scale.
+  void cut(Raster& raster, int x, int y, double scale) const;
   Color mean() const;
 
   BackdropImage image_;

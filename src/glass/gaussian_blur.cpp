@@ -78,17 +78,19 @@ void filterColumns(Raster& raster, Strip& strip) {
 void filterRows(Raster& raster, Strip& strip) {
   for (int top = 0; top < raster.height(); top += width) {
     const int rows = std::min(width, raster.height() - top);
-    for (int y = 0; y < rows; ++y) {
-      const Pixel* from = raster.row(top + y);
-      for (int x = 0; x < raster.width(); ++x) {
-        strip.row(x)[y] = from[x];
+    Pixel* const first = raster.row(top);
+    // Column by column: a pixel of each row at a time fills a whole line of the strip.
+    for (int x = 0; x < raster.width(); ++x) {
+      Pixel* to = strip.row(x);
+      for (int y = 0; y < rows; ++y) {
+        to[y] = first[y * raster.width() + x];
       }
     }
     strip.filter(raster.width());
-    for (int y = 0; y < rows; ++y) {
-      Pixel* to = raster.row(top + y);
-      for (int x = 0; x < raster.width(); ++x) {
-        to[x] = strip.row(x)[y];
+    for (int x = 0; x < raster.width(); ++x) {
+      const Pixel* from = strip.row(x);
+      for (int y = 0; y < rows; ++y) {
+        first[y * raster.width() + x] = from[y];
       }
     }
   }

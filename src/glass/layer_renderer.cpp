@@ -50,7 +50,9 @@ class Drawing {
     }
     const Rect frame = finiteOr0(layer.frame);
     const Rect place = frame.offset(origin.x, origin.y);
-    if (needsGroup(layer, opacity)) {
+    if (drawThroughShape(layer, target, place, opacity)) {
+      // Nothing is left to do.
+    } else if (needsGroup(layer, opacity)) {
       drawGroup(layer, target, place, opacity);
     } else {
       drawContents(layer, target, place, opacity);
@@ -77,6 +79,35 @@ class Drawing {
     return layer.mask || layer.featherRadius > 0 || layer.blendMode != BlendMode::normal ||
            (layer.masksToBounds && (hasContent(layer) || !layer.sublayers.empty())) ||
            (opacity < 255 && pieces > 1);
+  }
+
+  /// A gradient masked by a line or a filled shape, as a rim is, needs no group, which would cost
+  /// as much as all that it surrounds. Whether the layer was such a one and has been drawn.
+  bool drawThroughShape(const Layer& layer, Raster& target, const Rect& place,
+                        std::uint8_t opacity) const {
+    const Layer* mask = layer.mask.get();
+    const auto* shape = mask ? std::get_if<ShapeContent>(&mask->content) : nullptr;
+    if (!shape || !std::holds_alternative<GradientContent>(layer.content) ||
+        layer.backgroundColor || !layer.sublayers.empty() || layer.featherRadius > 0 ||
+        layer.blendMode != BlendMode::normal || (layer.masksToBounds && layer.cornerRadius > 0)) {
+      return false;
+    }
+    const Rect maskPlace = finiteOr0(mask->frame).offset(place.x, place.y);
+    const PixelRect drawn = extentOf(*mask, maskPlace);
+    if (mask->isHidden || mask->opacity != 1 || mask->backgroundColor || mask->mask ||
+        !mask->sublayers.empty() || mask->featherRadius > 0 || mask->masksToBounds ||
+        shape->fill.has_value() == shape->stroke.has_value() ||
+        drawn.intersection(pixelsOf(place)) != drawn) {
+      return false;
+    }
+    const Color& color = shape->fill ? *shape->fill : *shape->stroke;
+    if (const auto source = paintOf(layer, place)) {
+      paint(target,
+            shape->fill ? fillOf(*shape, maskPlace.origin(), target)
+                        : strokeOf(*shape, maskPlace.origin(), target),
+            *source, static_cast<std::uint8_t>(multiply255(opacity, levelOf(color.alpha))));
+    }
+    return true;
   }
 
   void drawGroup(const Layer& layer, Raster& target, const Rect& place, std::uint8_t opacity) {
@@ -122,21 +153,30 @@ class Drawing {
 
   void drawShape(const ShapeContent& shape, Raster& target, Point origin, std::uint8_t opacity) {
     if (shape.fill) {
-      Polygons inside;
-      for (const RoundedRect& part : shape.path) {
-        addOutline(inside, part, origin, scale_);
-      }
-      const FillRule rule = shape.isEvenOdd ? FillRule::evenOdd : FillRule::nonZero;
-      paint(target, coverageOf(inside, rule, target.bounds()), *makeSolid(*shape.fill), opacity);
+      paint(target, fillOf(shape, origin, target), *makeSolid(*shape.fill), opacity);
     }
     if (shape.stroke) {
-      Polygons lines;
-      for (const RoundedRect& part : shape.path) {
-        addStroke(lines, part, shape.lineWidth, origin, scale_);
-      }
-      paint(target, coverageOf(lines, FillRule::nonZero, target.bounds()),
-            *makeSolid(*shape.stroke), opacity);
+      paint(target, strokeOf(shape, origin, target), *makeSolid(*shape.stroke), opacity);
     }
+  }
+
+  std::vector<CoverageSpan> fillOf(const ShapeContent& shape, Point origin,
+                                   const Raster& target) const {
+    Polygons inside;
+    for (const RoundedRect& part : shape.path) {
+      addOutline(inside, part, origin, scale_);
+    }
+    const FillRule rule = shape.isEvenOdd ? FillRule::evenOdd : FillRule::nonZero;
+    return coverageOf(inside, rule, target.bounds());
+  }
+
+  std::vector<CoverageSpan> strokeOf(const ShapeContent& shape, Point origin,
+                                     const Raster& target) const {
+    Polygons lines;
+    for (const RoundedRect& part : shape.path) {
+      addStroke(lines, part, shape.lineWidth, origin, scale_);
+    }
+    return coverageOf(lines, FillRule::nonZero, target.bounds());
   }
 
   /// Null where the layer has neither a gradient nor an image, or nothing is to be seen of it.
