@@ -73,6 +73,22 @@ TEST_F(MixerModelTest, keeps_the_volume_while_muted_and_unmutes_by_raising_it) {
   EXPECT_THAT(stored(), testing::HasSubstr("\"muted\":false"));
 }
 
+TEST_F(MixerModelTest, tells_of_every_volume_as_it_was_stored) {
+  MixerModel& mixer = startWithPlayer();
+  mixer.toggleMute(player);
+  std::vector<std::pair<float, bool>> told;
+  const auto subscription = mixer.volumeChange.subscribe([&](const VolumeChange& change) {
+    EXPECT_EQ(change.id, player);
+    told.emplace_back(change.volume, change.isMuted);
+  });
+  mixer.setVolume(-1.0f, player);
+  mixer.setVolume(0.5f, player);
+  mixer.setVolume(std::numeric_limits<float>::quiet_NaN(), player);
+  mixer.setVolume(2.0f, player);
+  EXPECT_THAT(told,
+              ElementsAre(std::pair(0.0f, true), std::pair(0.5f, false), std::pair(1.0f, false)));
+}
+
 TEST_F(MixerModelTest, ignores_a_volume_that_is_no_number) {
   MixerModel& mixer = startWithPlayer();
   mixer.setVolume(0.5f, player);

@@ -70,6 +70,18 @@ TEST_F(MixerServiceTest, ShowsAVolumeAtOnceAlthoughTheModelPublishesItLater) {
   EXPECT_DOUBLE_EQ(app().volume, 1);
 }
 
+TEST_F(MixerServiceTest, FollowsAVolumeThatIsSetElsewhere) {
+  world.mixer->toggleMute("player");
+  world.settle();
+  changes = 0;
+  world.mixer->setVolume(0.4f, "player");
+  world.mixer->setVolume(0.3f, "player");
+  world.settle();
+  EXPECT_EQ(changes, 1);
+  EXPECT_DOUBLE_EQ(app().volume, 0.3);
+  EXPECT_FALSE(app().muted);
+}
+
 TEST_F(MixerServiceTest, AVolumeIsHeard) {
   service->setAppVolume("player", 0.5);
   world.settle();

@@ -68,6 +68,10 @@ MixerService::MixerService(MainQueue& mainQueue, MixerModel& model, std::string 
     unpublishedVolumes_.clear();
     changed();
   }));
+  subscriptions_.push_back(model_.volumeChange.subscribe([this](const VolumeChange& change) {
+    unpublishedVolumes_[change.id] = change;
+    changed();
+  }));
   subscriptions_.push_back(model_.permission.subscribe(onChange));
   subscriptions_.push_back(outputs.devices.subscribe(onChange));
   subscriptions_.push_back(outputs.defaultDeviceID.subscribe(onChange));
@@ -111,8 +115,8 @@ AppState MixerService::describe(const AppChannel& channel) const {
                channel.outputSymbol,
                channel.isRouted};
   if (const auto set = unpublishedVolumes_.find(channel.id); set != unpublishedVolumes_.end()) {
-    app.volume = set->second;
-    app.muted = app.muted && app.volume == 0;
+    app.volume = decimal(set->second.volume);
+    app.muted = set->second.isMuted;
   }
   return app;
 }
@@ -171,10 +175,7 @@ ServiceResult MixerService::setAppVolume(const std::string& id, double volume) {
   if (findApp(id) == nullptr) {
     return unknownApp(id);
   }
-  const float clamped = static_cast<float>(std::clamp(volume, 0.0, 1.0));
-  unpublishedVolumes_[id] = decimal(clamped);
-  model_.setVolume(clamped, id);
-  changed();
+  model_.setVolume(static_cast<float>(std::clamp(volume, 0.0, 1.0)), id);
   return std::nullopt;
 }
 

@@ -78,8 +78,7 @@ class MixerService {
   MixerModel& model_;
   std::string version_;
   bool connected_ = false;
-  // Volumes set here that the model has stored but not published yet.
-  std::map<std::string, double> unpublishedVolumes_;
+  std::map<std::string, VolumeChange> unpublishedVolumes_;  // set since the rows were published
   std::function<void()> changeHandler_;
   bool isChangePending_ = false;
   std::vector<Subscription> subscriptions_;
