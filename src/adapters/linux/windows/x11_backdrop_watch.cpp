@@ -85,7 +85,9 @@ void X11BackdropWatch::setWindows(std::vector<X11Window> windows, const QRect& a
       continue;
     }
     const xcb_damage_damage_t damage = xcb_generate_id(xcb);
+    // All of it counts as damaged at first, but has been seen.
     xcb_damage_create(xcb, damage, window.id, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+    xcb_damage_subtract(xcb, damage, XCB_XFIXES_REGION_NONE, XCB_XFIXES_REGION_NONE);
     wanted[window.id] = damage;
   }
   for (const auto& [window, damage] : damages_) {

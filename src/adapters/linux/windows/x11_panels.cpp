@@ -20,6 +20,13 @@ xcb_connection_t* toolkitConnection() {
   return x11 != nullptr ? x11->connection() : nullptr;
 }
 
+/// The toolkit sends some requests no earlier than the next time that the server speaks to it.
+void flushToolkit() {
+  if (auto* toolkit = toolkitConnection()) {
+    xcb_flush(toolkit);
+  }
+}
+
 std::vector<xcb_window_t> ownWindows() {
   std::vector<xcb_window_t> ids;
   for (const QWindow* window : QGuiApplication::topLevelWindows()) {
@@ -46,8 +53,14 @@ class X11Panels::Host : public WindowHost {
       : WindowHost(options, Qt::BypassWindowManagerHint), panels_(panels) {}
   ~Host() override { X11Panels::Host::hide(); }
 
+  void setFrame(const Rect& frame) override {
+    WindowHost::setFrame(frame);
+    flushToolkit();
+  }
+
   void show() override {
     WindowHost::show();
+    flushToolkit();
     panels_.panelShown(id());
   }
 
@@ -56,6 +69,7 @@ class X11Panels::Host : public WindowHost {
       giveKeysBack();
       panels_.panelHidden(id());
       WindowHost::hide();
+      flushToolkit();
     }
   }
 
@@ -69,6 +83,11 @@ class X11Panels::Host : public WindowHost {
       xcb_set_input_focus(toolkit, XCB_INPUT_FOCUS_POINTER_ROOT, id(), XCB_CURRENT_TIME);
       xcb_flush(toolkit);
     }
+  }
+
+  void setOpacity(double opacity) override {
+    WindowHost::setOpacity(opacity);
+    flushToolkit();
   }
 
   bool isComposited() override { return plemora::isComposited(panels_.connection_); }
