@@ -28,6 +28,14 @@ class LinuxProgram {
 
   MixerService& service() { return service_; }
 
+  // What the panel needs too.
+  QtMainQueue& mainQueue() { return mainQueue_; }
+  SystemClock& clock() { return clock_; }
+  LinuxSystemInfo& system() { return system_; }
+  FileDefaults& defaults() { return defaults_; }
+  LinuxWorkspace& workspace() { return workspace_; }
+  MixerModel& model() { return model_; }
+
  private:
   void connectionChanged(bool connected);
 

@@ -64,7 +64,7 @@ TEST_F(MixerAdaptorTest, IntrospectionListsWhatThereIsAndNothingElse) {
   EXPECT_THAT(methods,
               UnorderedElementsAre("SetAppVolume", "ToggleAppMute", "SetAppMute", "SetAppOutput",
                                    "SetVolume", "SetMuted", "SetDefaultDevice", "Reload", "Explain",
-                                   "WatchLevels", "Activate", "Quit"));
+                                   "WatchLevels", "Activate", "Join", "Quit"));
 }
 
 TEST_F(MixerAdaptorTest, AnswersForEachPropertyAlone) {
@@ -161,6 +161,13 @@ TEST_F(MixerAdaptorTest, HandsOnActivationAndQuit) {
   adaptor->setQuitHandler([&] { quit = true; });
   ask(mixerInterface, "Activate", {QStringList{"--no-ui", "ä b"}});
   EXPECT_EQ(arguments, (std::vector<std::string>{"--no-ui", "ä b"}));
+  EXPECT_FALSE(ask(mixerInterface, "Join", {QStringList{"DISPLAY=:1"}}).arguments().at(0).toBool());
+  adaptor->setJoinHandler([&](const auto& given) {
+    arguments = given;
+    return true;
+  });
+  EXPECT_TRUE(ask(mixerInterface, "Join", {QStringList{"DISPLAY=:1"}}).arguments().at(0).toBool());
+  EXPECT_EQ(arguments, std::vector<std::string>{"DISPLAY=:1"});
   ask(mixerInterface, "Quit");
   EXPECT_TRUE(quit);
 }

@@ -99,7 +99,8 @@ class QtMainQueueTest : public testing::Test {
   int argumentCount_ = 1;
   char name_[5] = "test";
   char* arguments_[2] = {name_, nullptr};
-  QCoreApplication application_{argumentCount_, arguments_};
+  std::unique_ptr<QCoreApplication> application_ =
+      std::make_unique<QCoreApplication>(argumentCount_, arguments_);
   std::unique_ptr<QtMainQueue> queue_ = std::make_unique<QtMainQueue>();
 };
 
@@ -156,6 +157,22 @@ TEST_F(QtMainQueueTest, DroppedWorkDoesNotRunAlsoWhenItDropsItself) {
   EXPECT_FALSE(ran);
   EXPECT_EQ(ticks, 7);
   EXPECT_EQ(held.use_count(), 1);
+}
+
+TEST_F(QtMainQueueTest, OutlivesItsApplicationWhileItRests) {
+  int ticks = 0;
+  bool single = false;
+  bool submitted = false;
+  const Timer repeated = queue_->every(0.01, [&ticks] { ++ticks; });
+  const Timer once = queue_->after(0.02, [&single] { single = true; });
+  queue_->rest();
+  application_.reset();
+  queue_->async([&submitted] { submitted = true; });
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  application_ = std::make_unique<QCoreApplication>(argumentCount_, arguments_);
+  EXPECT_EQ(ticks, 0);
+  queue_->resume();
+  EXPECT_TRUE(runUntil([&] { return ticks >= 3 && single && submitted; }));
 }
 
 TEST_F(QtMainQueueTest, WorkDoesNotOutliveTheQueue) {

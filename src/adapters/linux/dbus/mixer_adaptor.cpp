@@ -22,6 +22,14 @@ double numberAt(const QDBusMessage& message, int index) {
   return message.arguments().at(index).toDouble();
 }
 
+std::vector<std::string> wordsAt(const QDBusMessage& message, int index) {
+  std::vector<std::string> words;
+  for (const QString& word : message.arguments().at(index).toStringList()) {
+    words.push_back(word.toStdString());
+  }
+  return words;
+}
+
 bool flagAt(const QDBusMessage& message, int index) {
   return message.arguments().at(index).toBool();
 }
@@ -87,14 +95,14 @@ const std::vector<MixerAdaptor::Method>& MixerAdaptor::methods() {
        [](Self self, Message m) { return self.watchLevels(m.service(), flagAt(m, 0)); }},
       {"Activate", "as",
        [](Self self, Message m) {
-         std::vector<std::string> arguments;
-         for (const QString& argument : m.arguments().at(0).toStringList()) {
-           arguments.push_back(argument.toStdString());
-         }
          if (self.activate_) {
-           self.activate_(arguments);
+           self.activate_(wordsAt(m, 0));
          }
          return Answer();
+       }},
+      {"Join", "as",
+       [](Self self, Message m) {
+         return Answer(QVariantList{self.join_ && self.join_(wordsAt(m, 0))});
        }},
       {"Quit", "",
        [](Self self, Message) {
@@ -139,6 +147,10 @@ bool MixerAdaptor::registerObject() {
 void MixerAdaptor::setActivateHandler(
     std::function<void(const std::vector<std::string>&)> handler) {
   activate_ = std::move(handler);
+}
+
+void MixerAdaptor::setJoinHandler(std::function<bool(const std::vector<std::string>&)> handler) {
+  join_ = std::move(handler);
 }
 
 void MixerAdaptor::setQuitHandler(std::function<void()> handler) {

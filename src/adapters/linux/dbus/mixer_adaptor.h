@@ -31,6 +31,9 @@ class MixerAdaptor : public QDBusVirtualObject {
   /// Called with the arguments of another start of the program, and when a client asks to end it.
   void setActivateHandler(std::function<void(const std::vector<std::string>&)> handler);
   void setQuitHandler(std::function<void()> handler);
+  /// Called with the environment of a user's desktop ("NAME=value" each) on which the mixer is
+  /// wanted. Returns whether it stood on one already. Without a handler it never does.
+  void setJoinHandler(std::function<bool(const std::vector<std::string>&)> handler);
 
   QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
@@ -52,6 +55,7 @@ class MixerAdaptor : public QDBusVirtualObject {
   QVariantMap announced_;  // property values that clients know
   std::function<void(const std::vector<std::string>&)> activate_;
   std::function<void()> quit_;
+  std::function<bool(const std::vector<std::string>&)> join_;
   QSet<QString> watchers_;  // unique names
   QDBusServiceWatcher watcherEnds_;
   std::shared_ptr<void> levels_;  // only while there are watchers

@@ -55,6 +55,10 @@ const char mixerIntrospection[] = R"xml(
     <method name="Activate">
       <arg name="arguments" type="as" direction="in"/>
     </method>
+    <method name="Join">
+      <arg name="environment" type="as" direction="in"/>
+      <arg name="stoodThere" type="b" direction="out"/>
+    </method>
     <method name="Quit"/>
     <signal name="Levels">
       <arg name="levels" type="a(sddd)"/>

@@ -9,8 +9,8 @@
 namespace plemora {
 
 /// The main queue on Qt's event loop. Made on the main thread once a QCoreApplication exists, and
-/// destroyed there before it goes, unless it rests meanwhile. Work submitted from other threads wakes the loop; nothing else
-/// does. Work that has not run when the queue goes is dropped.
+/// destroyed there before it goes, unless it rests meanwhile. Work submitted from other threads
+/// wakes the loop; nothing else does. Work that has not run when the queue goes is dropped.
 class QtMainQueue : public MainQueue {
  public:
   QtMainQueue();

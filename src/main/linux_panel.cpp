@@ -1,0 +1,59 @@
+#include "main/linux_panel.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "menubar/menu_bar_services.h"
+#include "views/panel_scene.h"
+
+namespace plemora {
+
+LinuxPanel::LinuxPanel(LinuxProgram& program, QDBusConnection bus, const std::string& version)
+    : desktop_(program.mainQueue()),
+      appearance_(bus),
+      look_(program.defaults(), program.system(), appearance_,
+            ControlCenterLook::ReleaseSource::settingElseSystem),
+      notifier_(bus),
+      updates_(copyOf(program.system().bundlePath()), version,
+               [this](const std::string& title, const std::string& text) {
+                 notifier_.show(title, text);
+               }),
+      updater_(updates_),
+      loginItem_(XdgLoginItem::defaultFolder(), program.system().bundlePath()),
+      launchAtLogin_(program.defaults(), program.system(), loginItem_, {"/usr/", "/opt/"}),
+      statusBar_(bus, appearance_),
+      routePicker_(program.mainQueue(), program.model().outputs(), makeRaopDiscovery()),
+      controller_(
+          program.model(),
+          MenuBarServices{program.mainQueue(), program.clock(), program.defaults(),
+                          program.workspace(), desktop_.application(), desktop_.screens(),
+                          desktop_.inputEvents(), desktop_.windows(), desktop_.displayLinks(),
+                          statusBar_, routePicker_, look_, updater_},
+          [this](PanelView& view) { return makeScene(view); }) {
+  desktop_.setOwnAreas([this] {
+    const auto icon = controller_.iconFrame();
+    return icon ? std::vector<Rect>{*icon} : std::vector<Rect>();
+  });
+  updater_.start();
+  launchAtLogin_.enableOnFirstRun();
+}
+
+LinuxPanel::~LinuxPanel() {
+  desktop_.setOwnAreas({});
+}
+
+void LinuxPanel::open() {
+  controller_.open(StatusItemController::Anchor::menuBar);
+}
+
+std::shared_ptr<HostedView> LinuxPanel::makeScene(PanelView& view) {
+  auto scene = std::make_shared<PanelScene>(view, look_);
+  scene->setScreenMapping([this](const Rect& inScene) {
+    const Rect panel = controller_.panel().frame();
+    return Rect{panel.x + inScene.x, panel.maxY() - inScene.y - inScene.height, inScene.width,
+                inScene.height};
+  });
+  return scene;
+}
+
+}  // namespace plemora

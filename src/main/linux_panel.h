@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <memory>
+#include <string>
+
+#include "adapters/linux/desktop/desktop_notifier.h"
+#include "adapters/linux/desktop/package_updates.h"
+#include "adapters/linux/desktop/portal_appearance.h"
+#include "adapters/linux/desktop/xdg_login_item.h"
+#include "adapters/linux/tray/linux_status_bar.h"
+#include "adapters/linux/tray/raop_route_picker.h"
+#include "adapters/linux/windows/linux_desktop.h"
+#include "app/services/launch_at_login.h"
+#include "app/services/updater.h"
+#include "main/linux_program.h"
+#include "menubar/status_item_controller.h"
+#include "skin/look/control_center_look.h"
+
+namespace plemora {
+
+class PanelScene;
+
+/// The icon in the tray and the panel below it, on the desktop that the QGuiApplication runs on.
+/// Main thread; destroyed before the QGuiApplication and before the program.
+class LinuxPanel {
+ public:
+  LinuxPanel(LinuxProgram& program, QDBusConnection bus, const std::string& version);
+  ~LinuxPanel();
+  LinuxPanel(const LinuxPanel&) = delete;
+  LinuxPanel& operator=(const LinuxPanel&) = delete;
+
+  /// Opens the panel below the icon.
+  void open();
+
+ private:
+  std::shared_ptr<HostedView> makeScene(PanelView& view);
+
+  // The order matters: what is used stands before its users.
+  LinuxDesktop desktop_;
+  PortalAppearance appearance_;
+  ControlCenterLook look_;
+  DesktopNotifier notifier_;
+  PackageUpdates updates_;
+  Updater updater_;
+  XdgLoginItem loginItem_;
+  LaunchAtLogin launchAtLogin_;
+  LinuxStatusBar statusBar_;
+  RaopRoutePicker routePicker_;
+  StatusItemController controller_;
+};
+
+}  // namespace plemora
