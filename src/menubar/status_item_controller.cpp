@@ -43,7 +43,7 @@ PanelWindowOptions panelOptions() {
 }  // namespace
 
 StatusItemController::StatusItemController(MixerModel& model, const MenuBarServices& services,
-                                           const MakeContent& makeContent,
+                                           MakeContent makeContent,
                                            ControlCenterHooks controlCenter)
     : model_(model),
       services_(services),
@@ -55,15 +55,7 @@ StatusItemController::StatusItemController(MixerModel& model, const MenuBarServi
             close();
             services_.workspace.openURL(soundSettingsURL);
           }),
-      content_(makeContent(panelView_)),
-      panel_(std::make_shared<GlassPanel>(services.windows, panelOptions(), content_, visibility_,
-                                          services.mainQueue)),
-      gate_(visibility_, content_),
-      animation_(panel_, services.displayLinks, services.clock),
-      heightReader_(content_, [this](double height) { contentHeightChanged(height); }) {
-  const GlassStyle style(services_.look.style("detailStyle", builtInDetail));
-  panel_->make(cornerRadius, style);
-  panel_->setRim(std::make_unique<RimLayer>(rimTop, rimRest), cornerRadius, rimZPosition);
+      makeContent_(std::move(makeContent)) {
   statusItem_ =
       services_.statusBar.makeItem({.length = squareStatusItemLength,
                                     .behavior = 0,
@@ -89,8 +81,8 @@ void StatusItemController::subscribe() {
   cancellables_.push_back(services_.screens.observe([this](const auto&) {
     if (isPanelVisible()) {
       placement_ = place();
-      content_->setMaximumHeight(placement_.room);
-      animation_.animateFrame(placement_.frame, heightTime);
+      shown_->content->setMaximumHeight(placement_.room);
+      shown_->animation.animateFrame(placement_.frame, heightTime);
     }
   }));
   updateIcon(outputs.volume.get(), outputs.isMuted.get());
@@ -160,25 +152,41 @@ PanelPlacement StatusItemController::place() const {
   return PanelPlacement::place(anchor, screen, contentHeight_);
 }
 
+StatusItemController::Shown& StatusItemController::shown() {
+  if (!shown_) {
+    const auto content = makeContent_(panelView_);
+    const auto panel = std::make_shared<GlassPanel>(services_.windows, panelOptions(), content,
+                                                    visibility_, services_.mainQueue);
+    panel->make(cornerRadius, GlassStyle(services_.look.style("detailStyle", builtInDetail)));
+    panel->setRim(std::make_unique<RimLayer>(rimTop, rimRest), cornerRadius, rimZPosition);
+    shown_.reset(
+        new Shown{content, panel, VisibilityGate(visibility_, content),
+                  WindowAnimation(panel, services_.displayLinks, services_.clock),
+                  HeightReader(content, [this](double height) { contentHeightChanged(height); })});
+  }
+  return *shown_;
+}
+
 void StatusItemController::open(Anchor from) {
   model_.outputs().reload();
   model_.refreshPermission();
   anchor_ = from;
+  Shown& shown = this->shown();
   placement_ = place();
   visibility_.isVisible.set(true);
-  content_->setMaximumHeight(placement_.room);
-  if (const double height = content_->fittingHeight(); height > 0) {
+  shown.content->setMaximumHeight(placement_.room);
+  if (const double height = shown.content->fittingHeight(); height > 0) {
     contentHeight_ = height;
   }
   placement_ = place();
 
-  animation_.stop();
+  shown.animation.stop();
   const double travel = placement_.standsOnAnchor ? -openTravel : openTravel;
-  panel_->setFrame(placement_.frame.offset(0, travel));
-  panel_->setAlpha(0);
-  panel_->makeKeyAndOrderFront();
-  animation_.animateFrame(placement_.frame, openTime);
-  animation_.animateAlpha(1, openTime);
+  shown.panel->setFrame(placement_.frame.offset(0, travel));
+  shown.panel->setAlpha(0);
+  shown.panel->makeKeyAndOrderFront();
+  shown.animation.animateFrame(placement_.frame, openTime);
+  shown.animation.animateAlpha(1, openTime);
 
   statusItem_->setHighlighted(true);
   installMonitors();
@@ -193,10 +201,10 @@ void StatusItemController::close() {
   removeMonitors();
   permissionTimer_.reset();
   statusItem_->setHighlighted(false);
-  animation_.animateAlpha(0, closeTime, [this] {
+  shown_->animation.animateAlpha(0, closeTime, [this] {
     // Unless it was opened again meanwhile.
-    if (panel_->alpha() == 0) {
-      panel_->orderOut();
+    if (shown_->panel->alpha() == 0) {
+      shown_->panel->orderOut();
     }
   });
 }
@@ -210,11 +218,11 @@ void StatusItemController::contentHeightChanged(double height) {
     return;
   }
   // From where a movement that has not ended yet will end.
-  const Rect old = animation_.targetFrame().value_or(panel_->frame());
+  const Rect old = shown_->animation.targetFrame().value_or(shown_->panel->frame());
   const double fitted = placement_.fitted(height);
   const Rect next = placement_.standsOnAnchor ? Rect{old.x, old.y, old.width, fitted}
                                               : PinTop::frame(old, fitted);
-  animation_.animateFrame(next, heightTime);
+  shown_->animation.animateFrame(next, heightTime);
 }
 
 void StatusItemController::installMonitors() {

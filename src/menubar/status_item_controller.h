@@ -28,11 +28,12 @@ class StatusItemController {
   /// Where the panel hangs.
   enum class Anchor { menuBar = 0, controlCenter = 1 };
 
-  /// Makes what draws the panel's content; the panel view outlives it.
+  /// Makes what draws the panel's content, when the panel is first opened and not before; the panel
+  /// view outlives it.
   using MakeContent = std::function<std::shared_ptr<HostedView>(PanelView&)>;
 
-  StatusItemController(MixerModel& model, const MenuBarServices& services,
-                       const MakeContent& makeContent, ControlCenterHooks controlCenter = {});
+  StatusItemController(MixerModel& model, const MenuBarServices& services, MakeContent makeContent,
+                       ControlCenterHooks controlCenter = {});
   ~StatusItemController();
   StatusItemController(const StatusItemController&) = delete;
   StatusItemController& operator=(const StatusItemController&) = delete;
@@ -43,7 +44,7 @@ class StatusItemController {
   void open(Anchor from);
   void close();
   /// False from the moment that the panel has faded away.
-  bool isPanelVisible() const { return panel_->isOnScreen(); }
+  bool isPanelVisible() const { return shown_ && shown_->panel->isOnScreen(); }
 
   void clicked(StatusButtonEvent event);
   /// Closes the panel and pops the menu up.
@@ -58,12 +59,23 @@ class StatusItemController {
   void checkForUpdates();
 
   PanelView& panelView() { return panelView_; }
-  GlassPanel& panel() { return *panel_; }
+  /// Made with its content when it is not yet there.
+  GlassPanel& panel() { return *shown().panel; }
 
  private:
   static constexpr double initialContentHeight = 300;
 
+  /// What the first opening makes: a program that only sits in the menu bar stays small.
+  struct Shown {
+    std::shared_ptr<HostedView> content;
+    std::shared_ptr<GlassPanel> panel;
+    VisibilityGate gate;
+    WindowAnimation animation;
+    HeightReader heightReader;
+  };
+
   void subscribe();
+  Shown& shown();
   void turnMaster(int notches);
   std::vector<MenuItem> menuItems();
   std::vector<MenuItem> menuItemsOfHost();
@@ -78,16 +90,12 @@ class StatusItemController {
   const ControlCenterHooks controlCenter_;
   PanelVisibility visibility_;
   PanelView panelView_;
-  std::shared_ptr<HostedView> content_;
-  std::shared_ptr<GlassPanel> panel_;
-  VisibilityGate gate_;
-  WindowAnimation animation_;
-  HeightReader heightReader_;
+  const MakeContent makeContent_;
+  std::unique_ptr<Shown> shown_;
   double contentHeight_ = initialContentHeight;
   Anchor anchor_ = Anchor::menuBar;
   PanelPlacement placement_;
   std::optional<SymbolImage> image_;    // as shown
-  std::optional<float> turnedTo_;       // by the wheel, and not yet told by the device
   std::optional<double> closedOnIcon_;  // media time of a click on the item that closed the panel
   std::vector<std::unique_ptr<EventMonitor>> monitors_;
   Timer permissionTimer_;
