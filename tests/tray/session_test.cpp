@@ -101,9 +101,9 @@ TEST_F(SessionTest, AppearanceIsDarkOnlyWhereTheUserPrefersDark) {
     portal.scheme = one.scheme;
     portal.asked = 0;
     PortalAppearance appearance(ours);
-    ASSERT_TRUE(settle([&] { return portal.asked == 1; })) << one.what;
     std::vector<bool> told;
     const auto subscription = appearance.observe([&](bool isDark) { told.push_back(isDark); });
+    ASSERT_TRUE(settle([&] { return portal.asked == 1; })) << one.what;
     // The bus keeps the order: this change arrives after the answer.
     portal.change(appearanceGroup, "color-scheme", one.isDark ? 2u : 1u);
     const std::vector<bool> expected =

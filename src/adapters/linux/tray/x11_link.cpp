@@ -11,15 +11,6 @@ namespace {
 
 constexpr std::uint32_t mostValues = 4096;
 
-template <typename Reply, typename Cookie>
-XcbReply<Reply> wait(xcb_connection_t* connection, Cookie cookie,
-                     Reply* (*read)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) {
-  xcb_generic_error_t* error = nullptr;
-  XcbReply<Reply> reply(read(connection, cookie, &error));
-  std::free(error);
-  return reply;
-}
-
 std::vector<std::uint32_t> values(const xcb_get_property_reply_t* reply) {
   if (!reply || reply->format != 32) {
     return {};
@@ -63,12 +54,29 @@ X11Link::~X11Link() {
 
 void X11Link::flush() {
   xcb_flush(connection_);
-  // Waiting for an answer may have read events that the socket will not report again.
-  QMetaObject::invokeMethod(
-      readable_.get(), [this] { dispatch(); }, Qt::QueuedConnection);
+  dispatchLater();
+}
+
+void X11Link::dispatchLater() {
+  if (!std::exchange(isDispatchDue_, true)) {
+    QMetaObject::invokeMethod(
+        readable_.get(), [this] { dispatch(); }, Qt::QueuedConnection);
+  }
+}
+
+template <typename Reply, typename Cookie>
+XcbReply<Reply> X11Link::wait(Cookie cookie,
+                              Reply* (*read)(xcb_connection_t*, Cookie, xcb_generic_error_t**)) {
+  xcb_generic_error_t* error = nullptr;
+  XcbReply<Reply> reply(read(connection_, cookie, &error));
+  std::free(error);
+  // Waiting may have read events that the socket will not report again.
+  dispatchLater();
+  return reply;
 }
 
 void X11Link::dispatch() {
+  isDispatchDue_ = false;
   while (XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     if (handler_) {
       handler_(*event);
@@ -102,9 +110,9 @@ std::optional<QRect> X11Link::shownRect(xcb_window_t window) {
   const auto attributesCookie = xcb_get_window_attributes(connection_, window);
   const auto geometryCookie = xcb_get_geometry(connection_, window);
   const auto placeCookie = xcb_translate_coordinates(connection_, window, screen_->root, 0, 0);
-  const auto attributes = wait(connection_, attributesCookie, xcb_get_window_attributes_reply);
-  const auto geometry = wait(connection_, geometryCookie, xcb_get_geometry_reply);
-  const auto place = wait(connection_, placeCookie, xcb_translate_coordinates_reply);
+  const auto attributes = wait(attributesCookie, xcb_get_window_attributes_reply);
+  const auto geometry = wait(geometryCookie, xcb_get_geometry_reply);
+  const auto place = wait(placeCookie, xcb_translate_coordinates_reply);
   if (!attributes || attributes->map_state != XCB_MAP_STATE_VIEWABLE || !geometry || !place) {
     return std::nullopt;
   }
@@ -112,8 +120,7 @@ std::optional<QRect> X11Link::shownRect(xcb_window_t window) {
 }
 
 std::optional<QPoint> X11Link::pointer() {
-  const auto reply =
-      wait(connection_, xcb_query_pointer(connection_, screen_->root), xcb_query_pointer_reply);
+  const auto reply = wait(xcb_query_pointer(connection_, screen_->root), xcb_query_pointer_reply);
   return reply && reply->same_screen ? std::optional(QPoint(reply->root_x, reply->root_y))
                                      : std::nullopt;
 }
@@ -140,8 +147,7 @@ QImage X11Link::picture(xcb_window_t window, const QRect& part) {
 std::vector<xcb_window_t> X11Link::docks() {
   // Without a window manager there is no list of clients; the root's children are asked too.
   std::vector<xcb_window_t> windows = property(screen_->root, "_NET_CLIENT_LIST_STACKING");
-  if (const auto tree =
-          wait(connection_, xcb_query_tree(connection_, screen_->root), xcb_query_tree_reply)) {
+  if (const auto tree = wait(xcb_query_tree(connection_, screen_->root), xcb_query_tree_reply)) {
     const xcb_window_t* first = xcb_query_tree_children(tree.get());
     windows.insert(windows.begin(), first, first + xcb_query_tree_children_length(tree.get()));
   }
@@ -153,7 +159,7 @@ std::vector<xcb_window_t> X11Link::docks() {
   }
   std::vector<xcb_window_t> docks;
   for (std::size_t i = 0; i < windows.size(); ++i) {
-    const auto reply = wait(connection_, cookies[i], xcb_get_property_reply);
+    const auto reply = wait(cookies[i], xcb_get_property_reply);
     const auto types = values(reply.get());
     if (std::find(types.begin(), types.end(), dock) != types.end()) {
       docks.push_back(windows[i]);

@@ -61,6 +61,10 @@ class X11Link {
  private:
   X11Link(xcb_connection_t* connection, int number);
   void dispatch();
+  void dispatchLater();
+  template <typename Reply, typename Cookie>
+  XcbReply<Reply> wait(Cookie cookie,
+                       Reply* (*read)(xcb_connection_t*, Cookie, xcb_generic_error_t**));
 
   xcb_connection_t* connection_;
   int number_;
@@ -68,6 +72,7 @@ class X11Link {
   std::map<std::string, xcb_atom_t> atoms_;
   EventHandler handler_;
   std::unique_ptr<QSocketNotifier> readable_;
+  bool isDispatchDue_ = false;
 };
 
 }  // namespace plemora
