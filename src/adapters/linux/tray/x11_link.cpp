@@ -92,15 +92,13 @@ xcb_atom_t X11Link::atom(const std::string& name) {
     return known->second;
   }
   const auto reply =
-      wait(connection_,
-           xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+      wait(xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
            xcb_intern_atom_reply);
   return atoms_[name] = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 std::vector<std::uint32_t> X11Link::property(xcb_window_t window, const std::string& name) {
-  const auto reply = wait(connection_,
-                          xcb_get_property(connection_, 0, window, atom(name),
+  const auto reply = wait(xcb_get_property(connection_, 0, window, atom(name),
                                            XCB_GET_PROPERTY_TYPE_ANY, 0, mostValues),
                           xcb_get_property_reply);
   return values(reply.get());
@@ -127,8 +125,7 @@ std::optional<QPoint> X11Link::pointer() {
 
 QImage X11Link::picture(xcb_window_t window, const QRect& part) {
   const auto reply =
-      wait(connection_,
-           xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window,
+      wait(xcb_get_image(connection_, XCB_IMAGE_FORMAT_Z_PIXMAP, window,
                          static_cast<std::int16_t>(part.x()), static_cast<std::int16_t>(part.y()),
                          static_cast<std::uint16_t>(part.width()),
                          static_cast<std::uint16_t>(part.height()), ~0u),
