@@ -142,14 +142,17 @@ int wakeUps(XDisplay& display, xcb_window_t other) {
 TEST(ClosedPanel, LeavesTheProgramAsleep) {
   TestDesktop world(DisplaySetup{"Bare"});
   const auto other = world.display.makeWindow({100, 100, 200, 200}, 0x0000ff);
-  EXPECT_LE(wakeUps(world.display, other), 2);  // before it was ever shown: the timer
+  wakeUps(world.display, other);
+  // The timer, and what the toolkit wants to know about the pointer in any program.
+  const int before = wakeUps(world.display, other);
+  EXPECT_LE(before, 4);
   const auto panel = world.makePanel({50, 250, 308, 400});
   panel->order(WindowOrder::keyAndFront);
   auto monitor = world.desktop.inputEvents().monitorGlobal(downs, [](const InputEvent&) {});
-  EXPECT_GT(wakeUps(world.display, other), 4);
+  EXPECT_GT(wakeUps(world.display, other), before + 2);
   monitor.reset();
   panel->order(WindowOrder::out);
-  EXPECT_LE(wakeUps(world.display, other), 2);
+  EXPECT_LE(wakeUps(world.display, other), before);
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
-#include <algorithm>
 #include <stdexcept>
 
 #include "adapters/linux/windows/linux_desktop.h"
@@ -256,23 +255,28 @@ void XDisplay::setScreenSize(const QSize& size) {
   const X11Owned<xcb_randr_get_screen_resources_reply_t> resources(
       xcb_randr_get_screen_resources_reply(
           xcb_, xcb_randr_get_screen_resources(xcb_, screen_->root), nullptr));
-  const auto* modes = xcb_randr_get_screen_resources_modes(resources.get());
-  const auto* end = modes + xcb_randr_get_screen_resources_modes_length(resources.get());
-  const auto* mode = std::find_if(modes, end, [&](const xcb_randr_mode_info_t& candidate) {
-    return candidate.width == size.width() && candidate.height == size.height();
-  });
-  if (mode == end) {
-    throw std::runtime_error("the display has no such mode");
-  }
   const xcb_randr_crtc_t crtc = *xcb_randr_get_screen_resources_crtcs(resources.get());
   const xcb_randr_output_t output = *xcb_randr_get_screen_resources_outputs(resources.get());
+  xcb_randr_mode_info_t mode{};
+  mode.width = size16(size.width());
+  mode.height = size16(size.height());
+  const std::string name = "test";
+  mode.name_len = size16(static_cast<int>(name.size()));
+  const auto modeCookie = xcb_randr_create_mode(
+      xcb_, screen_->root, mode, static_cast<std::uint32_t>(name.size()), name.c_str());
+  const X11Owned<xcb_randr_create_mode_reply_t> made(
+      xcb_randr_create_mode_reply(xcb_, modeCookie, nullptr));
+  if (!made) {
+    throw std::runtime_error("the display takes no new mode");
+  }
+  xcb_randr_add_output_mode(xcb_, output, made->mode);
   xcb_grab_server(xcb_);
   const auto off = xcb_randr_set_crtc_config(xcb_, crtc, 0, resources->config_timestamp, 0, 0, 0,
                                              XCB_RANDR_ROTATION_ROTATE_0, 0, nullptr);
   X11Owned<xcb_randr_set_crtc_config_reply_t>(xcb_randr_set_crtc_config_reply(xcb_, off, nullptr));
-  xcb_randr_set_screen_size(xcb_, screen_->root, mode->width, mode->height, 300, 200);
+  xcb_randr_set_screen_size(xcb_, screen_->root, mode.width, mode.height, 300, 200);
   const auto on = xcb_randr_set_crtc_config(xcb_, crtc, 0, resources->config_timestamp, 0, 0,
-                                            mode->id, XCB_RANDR_ROTATION_ROTATE_0, 1, &output);
+                                            made->mode, XCB_RANDR_ROTATION_ROTATE_0, 1, &output);
   X11Owned<xcb_randr_set_crtc_config_reply_t>(xcb_randr_set_crtc_config_reply(xcb_, on, nullptr));
   xcb_ungrab_server(xcb_);
   sync();

@@ -62,7 +62,6 @@ class XDisplay {
 
   void click(const QPoint& point, int button = 1);
   void pressKey(unsigned keysym);
-  /// One of Xvfb's modes.
   void setScreenSize(const QSize& size);
 
  private:

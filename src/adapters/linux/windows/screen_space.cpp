@@ -79,10 +79,11 @@ QRect ScreenSpace::toDevice(const Rect& global) const {
 }
 
 Point ScreenSpace::fromDevice(const QPoint& device) const {
+  const QPointF middle = QPointF(device) + QPointF(0.5, 0.5);  // of the pixel
   const Area* nearest = &plain;
   for (const Area& area : areas_) {
     if (nearest == &plain ||
-        distance(deviceRect(area), device) < distance(deviceRect(*nearest), device)) {
+        distance(deviceRect(area), middle) < distance(deviceRect(*nearest), middle)) {
       nearest = &area;
     }
   }
