@@ -1,7 +1,5 @@
 #include "views/panel_binding.h"
 
-#include <algorithm>
-
 #include "views/qt_values.h"
 
 namespace plemora {
@@ -43,17 +41,14 @@ void PanelBinding::showMeters(const LevelMeters::Levels& meters) {
 }
 
 void PanelBinding::updateHeight() {
-  const double whole = view_.height();
-  const double height = maximumHeight_ > 0 ? std::min(whole, maximumHeight_) : whole;
-  if (height != height_) {
-    height_ = height;
+  if (view_.height() != height_) {
+    height_ = view_.height();
+    bottomPadding_ = height_;
+    for (const PanelRow& row : view_.rows.get()) {
+      bottomPadding_ -= row.height;
+    }
     emit heightChanged();
   }
-}
-
-void PanelBinding::setMaximumHeight(double height) {
-  maximumHeight_ = height;
-  updateHeight();
 }
 
 void PanelBinding::setVisible(bool isVisible) {

@@ -26,6 +26,7 @@ class PanelBinding : public QObject {
   Q_PROPERTY(QString title READ title CONSTANT)
   Q_PROPERTY(double width READ width CONSTANT)
   Q_PROPERTY(double height READ height NOTIFY heightChanged)
+  Q_PROPERTY(double bottomPadding READ bottomPadding NOTIFY heightChanged)
   Q_PROPERTY(bool isVisible READ isVisible NOTIFY isVisibleChanged)
   Q_PROPERTY(bool showsFocus READ showsFocus NOTIFY showsFocusChanged)
   Q_PROPERTY(QColor trackColor READ trackColor CONSTANT)
@@ -42,14 +43,13 @@ class PanelBinding : public QObject {
   RowListModel* rows() { return &rows_; }
   QString title() const { return PanelView::title; }
   double width() const { return panelWidth; }
-  /// Of the rows together, or the greatest height where they are higher.
+  /// Of everything; the padding lies below the last row.
   double height() const { return height_; }
+  double bottomPadding() const { return bottomPadding_; }
   bool isVisible() const { return isVisible_; }
   bool showsFocus() const { return showsFocus_; }
   QColor trackColor() const { return trackColor_; }
 
-  /// 0: the rows may be as high as they are.
-  void setMaximumHeight(double height);
   void setVisible(bool isVisible);
   /// Whether the focused control is marked: while keys are used, and not the pointer.
   void setShowsFocus(bool showsFocus);
@@ -82,8 +82,8 @@ class PanelBinding : public QObject {
   const QColor trackColor_;
   RowListModel rows_;
   ScreenMapping toScreen_;
-  double maximumHeight_ = 0;
   double height_ = 0;
+  double bottomPadding_ = 0;
   bool isVisible_ = false;
   bool showsFocus_ = false;
   std::vector<Subscription> subscriptions_;

@@ -69,14 +69,16 @@ class PanelScene::Parts {
     engine_.addImageProvider("symbol", new SymbolProvider);    // the engine owns it
     engine_.addImageProvider("appicon", new AppIconProvider);  // the engine owns it
     QQmlComponent component(&engine_, QUrl("qrc:/qt/qml/Plemora/HostedPanel.qml"));
+    if (component.isError()) {
+      logger.error(
+          "The panel cannot be shown, since its views do not load; reinstall the program. " +
+          component.errorString().simplified().toStdString());
+      return;
+    }
     std::unique_ptr<QObject> root(
         component.createWithInitialProperties({{"panel", QVariant::fromValue(&panel)}}));
     item.reset(qobject_cast<QQuickItem*>(root.get()));
     if (item == nullptr) {
-      logger.error(
-          "The panel cannot be shown, since its views do not load; reinstall the "
-          "program. " +
-          component.errorString().simplified().toStdString());
       return;
     }
     root.release();
@@ -102,7 +104,6 @@ PanelScene::Parts& PanelScene::parts() {
   if (parts_ == nullptr) {
     parts_ = std::make_unique<Parts>(view_, look_);
     PanelBinding& panel = parts_->panel;
-    panel.setMaximumHeight(maximumHeight_);
     panel.setScreenMapping(toScreen_);
     panel.setVisible(isVisible_);
     QObject::connect(&panel, &PanelBinding::heightChanged, &panel, [this, &panel] {
@@ -130,13 +131,6 @@ void PanelScene::setVisible(bool isVisible) {
   isVisible_ = isVisible;
   if (parts_ != nullptr) {
     parts_->panel.setVisible(isVisible);
-  }
-}
-
-void PanelScene::setMaximumHeight(double height) {
-  maximumHeight_ = height;
-  if (parts_ != nullptr) {
-    parts_->panel.setMaximumHeight(height);
   }
 }
 

@@ -13,8 +13,9 @@ class ControlCenterLook;
 class PanelView;
 
 /// The mixer panel as a Qt Quick item: draws what a PanelView decides and hands the user's gestures
-/// to it. The QML engine is made when the item or its height is first asked for, and not before.
-/// Main thread, once there is a QGuiApplication; windows that show it use the software renderer.
+/// to it. In an item that is lower than its content the rows scroll. The QML engine is made when
+/// the item or its height is first asked for, and not before. Main thread, once there is a
+/// QGuiApplication; windows that show it use the software renderer.
 class PanelScene : public HostedView, public QuickView {
  public:
   /// Both outlive the scene.
@@ -28,9 +29,6 @@ class PanelScene : public HostedView, public QuickView {
   void setVisible(bool isVisible) override;
 
   QQuickItem* item() override;
-
-  /// The height in points beyond which the content scrolls instead of growing; none while it is 0.
-  void setMaximumHeight(double height);
 
   /// Where a place in the item's window (points, y down) lies on the screens (global, y up). The
   /// list of AirPlay receivers opens there; without it the two are taken for the same.
@@ -48,7 +46,6 @@ class PanelScene : public HostedView, public QuickView {
   std::unique_ptr<Parts> parts_;
   std::function<void(double)> heightHandler_;
   std::function<Rect(const Rect&)> toScreen_;
-  double maximumHeight_ = 0;
   bool isVisible_ = false;
 };
 

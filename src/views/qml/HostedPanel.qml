@@ -12,8 +12,7 @@ VisibilityGate {
     clip: true
 
     PanelView {
-        width: root.width
-        height: root.panel.height
+        anchors.fill: parent
         focus: true
         panel: root.panel
         animates: root.animates

@@ -41,7 +41,8 @@ FocusScope {
 
         anchors.fill: parent
         boundsBehavior: Flickable.StopAtBounds
-        interactive: contentHeight > height
+        bottomMargin: root.panel.bottomPadding
+        interactive: contentHeight + bottomMargin > height
         cacheBuffer: 400
         model: root.panel.rows
 
