@@ -77,6 +77,7 @@ TEST_F(XembedTest, IsInWhicheverTrayThereIs) {
   ASSERT_TRUE(settle([&] { return icon->frame().has_value(); })) << "after the restart";
   EXPECT_TRUE(shows(next, 0xff0000, white));
 
+  icon.reset();
   icon = makeIcon();
   EXPECT_TRUE(settle([&] { return icon->frame().has_value(); })) << "the tray was there before";
 }

@@ -21,7 +21,7 @@ constexpr int serversOwnTime = -1;
 
 /// Servers may take the text for markup.
 QString plain(const std::string& text) {
-  return QString::fromStdString(text).toHtmlEscaped();
+  return QString::fromStdString(text).replace("&", "&amp;").replace("<", "&lt;");
 }
 
 }  // namespace
