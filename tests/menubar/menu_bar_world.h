@@ -61,6 +61,9 @@ struct MenuBarWorld : AudioWorld {
   }
 
   /// The panel's; there is one from the first opening on.
+  /// Monitors of events that are installed.
+  int monitors() const { return input.globalMonitors() + input.localMonitors(); }
+
   StageWindow& window() { return *windows.windows().at(0); }
 };
 
