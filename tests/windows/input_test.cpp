@@ -152,7 +152,11 @@ TEST(ClosedPanel, LeavesTheProgramAsleep) {
   EXPECT_GT(wakeUps(world.display, other), before + 2);
   monitor.reset();
   panel->order(WindowOrder::out);
-  EXPECT_LE(wakeUps(world.display, other), before);
+  int after = before + 1;
+  for (int attempt = 0; attempt < 5 && after > before; ++attempt) {
+    after = wakeUps(world.display, other);  // until the window has gone for everybody
+  }
+  EXPECT_LE(after, before);
 }
 
 }  // namespace

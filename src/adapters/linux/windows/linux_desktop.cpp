@@ -85,6 +85,10 @@ class LinuxDesktop::Parts {
 
 void LinuxDesktop::prepare() {
   QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+  // The toolkit would load the graphics driver on Wayland, for nothing.
+  if (!qEnvironmentVariableIsSet("QT_WAYLAND_DISABLE_HW_INTEGRATION")) {
+    qputenv("QT_WAYLAND_DISABLE_HW_INTEGRATION", "1");
+  }
 }
 
 LinuxDesktop::LinuxDesktop(MainQueue& queue) : parts_(std::make_unique<Parts>(queue)) {}

@@ -18,7 +18,8 @@ void setUpPanelWindow(QQuickWindow& window, const PanelWindowOptions& options) {
   window.setTitle(QString::fromStdString(options.title));
 }
 
-WindowHost::WindowHost(const PanelWindowOptions& options, Qt::WindowFlags extra) {
+WindowHost::WindowHost(const PanelWindowOptions& options, Qt::WindowFlags extra)
+    : isSizeFixed_(!extra.testFlag(Qt::BypassWindowManagerHint)) {
   setUpPanelWindow(window_, options);
   Qt::WindowFlags flags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | extra;
   flags.setFlag(Qt::NoDropShadowWindowHint, !options.hasShadow);
@@ -28,7 +29,12 @@ WindowHost::WindowHost(const PanelWindowOptions& options, Qt::WindowFlags extra)
 }
 
 void WindowHost::setFrame(const Rect& frame) {
-  window_.setGeometry(ScreenSpace::current().toWholePoints(frame));
+  const QRect whole = ScreenSpace::current().toWholePoints(frame);
+  if (isSizeFixed_) {
+    window_.setMinimumSize(whole.size());
+    window_.setMaximumSize(whole.size());
+  }
+  window_.setGeometry(whole);
 }
 
 void WindowHost::show() {

@@ -29,6 +29,7 @@ class WindowHost : public PanelHost {
   };
 
   Window window_;
+  bool isSizeFixed_;  ///< said to the desktop, so that it does not tile the window
 };
 
 /// A window for the scene of a panel: translucent, named after the options, not yet shown.
