@@ -65,7 +65,7 @@ class PanelScene::Parts {
  public:
   Parts(PanelView& view, const ControlCenterLook& look) : panel(view, look), focus_(panel) {
     qml_register_types_Plemora();
-    engine_.setOutputWarningsToStandardError(true);
+    engine_.addImportPath("qrc:/qt/qml");
     engine_.addImageProvider("symbol", new SymbolProvider);    // the engine owns it
     engine_.addImageProvider("appicon", new AppIconProvider);  // the engine owns it
     QQmlComponent component(&engine_, QUrl("qrc:/qt/qml/Plemora/HostedPanel.qml"));

@@ -1,4 +1,5 @@
 import QtQuick
+import Plemora
 
 /// The choice of an app's output, one row for each device.
 Item {

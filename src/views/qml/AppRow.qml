@@ -1,4 +1,5 @@
 import QtQuick
+import Plemora
 
 /// One app: its icon mutes it, then its name, its slider and the button of its outputs.
 Item {

@@ -1,4 +1,5 @@
 import QtQuick
+import Plemora
 
 /// A volume slider: a capsule track, filled up to the value, with a knob. Its rules are those of
 /// its binding; this draws them and hands gestures on.

@@ -1,4 +1,5 @@
 import QtQuick
+import Plemora
 
 /// The panel as a window shows it: at rest while it is off screen.
 VisibilityGate {

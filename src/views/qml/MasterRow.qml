@@ -1,4 +1,5 @@
 import QtQuick
+import Plemora
 
 /// The volume of the default output device.
 PanelSliderRow {

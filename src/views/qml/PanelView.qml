@@ -1,4 +1,5 @@
 import QtQuick
+import Plemora
 
 /// The content of the mixer panel: one row below the other, as the binding lists them.
 FocusScope {
