@@ -1,7 +1,7 @@
 # Completion of plemora for bash.
 
 _plemora() {
-  mapfile -t COMPREPLY < <(compgen -W '--no-ui --log-levels -demo --help --version' -- \
+  mapfile -t COMPREPLY < <(compgen -W '--no-ui --log-levels -demo --screenshots --help --version' -- \
     "${COMP_WORDS[COMP_CWORD]}")
 }
 

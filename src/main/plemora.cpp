@@ -21,6 +21,7 @@
 #include "adapters/linux/dbus/mixer_names.h"
 #include "adapters/linux/desktop/console_log.h"
 #include "base/log.h"
+#include "main/gallery/gallery.h"
 #include "main/linux_panel.h"
 #include "main/linux_program.h"
 #include "main/process/display_probe.h"
@@ -217,6 +218,9 @@ int main(int argc, char** argv) {
   // The log may go to a pipe whose reader ends first.
   std::signal(SIGPIPE, SIG_IGN);
   setLogHandler(makeConsoleLog());
+  if (options->screenshots) {
+    return renderScreenshots(*options->screenshots);
+  }
   bool shows = !options->withoutWindow;
   if (shows && !displayAnswers()) {
     logger.notice("no display answers: the engine runs without a window; plemoractl controls it");

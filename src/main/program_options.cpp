@@ -20,6 +20,12 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
         problem = "-demo needs a JSON configuration after it, in quotes";
         return std::nullopt;
       }
+    } else if (argument == "--screenshots") {
+      if (++i == arguments.size() || arguments[i].empty()) {
+        problem = "--screenshots needs the folder to draw the pictures into after it";
+        return std::nullopt;
+      }
+      options.screenshots = arguments[i];
     } else if (argument != "--log-levels") {
       problem = (argument.starts_with('-') ? "unknown option \"" : "unexpected argument \"") +
                 argument + "\"";
@@ -35,11 +41,13 @@ std::string programHelp() {
          "Gives every app its own volume, mute and output device. One instance runs in a user\n"
          "session; a second start hands its arguments to the first. plemoractl controls it.\n"
          "\n"
-         "  --no-ui        run without a window, as a service\n"
-         "  --log-levels   log what each tapped app plays, every 2 seconds\n"
-         "  -demo JSON     show prepared rows and touch no sound\n"
-         "  -h, --help     this text\n"
-         "  --version      the version\n"
+         "  --no-ui            run without a window, as a service\n"
+         "  --log-levels       log what each tapped app plays, every 2 seconds\n"
+         "  -demo JSON         show prepared rows and touch no sound\n"
+         "  --screenshots DIR  draw the panel in all its states into DIR, and end; needs no "
+         "display\n"
+         "  -h, --help         this text\n"
+         "  --version          the version\n"
          "\n"
          "Exit status: 0 ended, or handed over to the running instance; 1 failed; 2 wrong "
          "options.\n";

@@ -12,6 +12,7 @@ struct ProgramOptions {
   bool withoutWindow = false;
   bool wantsHelp = false;
   bool wantsVersion = false;
+  std::optional<std::string> screenshots;  ///< folder to draw pictures of the panel into
 };
 
 /// Reads the arguments that follow the name of the program. None when they are wrong; problem
