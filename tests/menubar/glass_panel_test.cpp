@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <variant>
 #include <vector>
 
 #include "adapters/stage/scripted_hosted_view.h"
@@ -105,21 +104,6 @@ TEST_F(GlassPanelTest, FitsItsRimToEverySize) {
   panel->setFrame({50, 60, 308, 401});
   EXPECT_EQ(surface().layer->frame.size(), (Size{308, 401}));
   EXPECT_EQ(surface().layerUpdates, updates + 1);
-}
-
-TEST_F(GlassPanelTest, TheRimsBrightEndIsAtTheTopEitherWay) {
-  for (const bool isFlipped : {false, true}) {
-    auto panel = makePanel();
-    surface().flipped = isFlipped;
-    panel->setRim(std::make_unique<RimLayer>(0.5, 0.2), 15, 10);
-    panel->setFrame({0, 0, 308, 400});
-    RimLayer expected(0.5, 0.2);
-    expected.update({308, 400}, 15, isFlipped, 1);
-    const auto gradient = [](const Layer& rim) {
-      return std::get<GradientContent>(rim.sublayers.at(0)->content);
-    };
-    EXPECT_EQ(gradient(*surface().layer), gradient(*expected.layer()));
-  }
 }
 
 TEST_F(GlassPanelTest, PutsItsContentOnTheGlassOfTheStyle) {

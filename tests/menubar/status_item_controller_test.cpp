@@ -163,6 +163,17 @@ TEST_F(StatusItemControllerTest, HangsWhereItIsAskedTo) {
   EXPECT_EQ(window().frame(), (Rect{1124, 570, 308, 300})) << "the corner, where trays are";
 }
 
+TEST_F(StatusItemControllerTest, LooksAtTheDevicesAnewWheneverItOpens) {
+  StatusItemController& controller = world.startItem();
+  int lists = 0;
+  const auto subscription = world.mixer->outputs().devices.subscribe([&](const auto&) { ++lists; });
+  controller.open(Anchor::menuBar);
+  EXPECT_EQ(lists, 1);
+  controller.close();
+  controller.open(Anchor::controlCenter);
+  EXPECT_EQ(lists, 2);
+}
+
 TEST_F(StatusItemControllerTest, AsksForThePermissionWhileItIsOpen) {
   world.consent.setPreflight(1);
   StatusItemController& controller = world.startItem();
