@@ -8,6 +8,12 @@ namespace {
 
 constexpr int usualThickness = 24;
 
+/// None where as good as nothing is opaque: dark and light come out the same then.
+std::optional<TrayShade> clearShade(const QImage& image) {
+  const TrayShade guess = shadeOf(image, TrayShade::dark);
+  return guess == shadeOf(image, TrayShade::light) ? std::optional(guess) : std::nullopt;
+}
+
 }  // namespace
 
 QRect TrayPlace::squareIn(const QRect& panel, QPoint point) {
@@ -53,13 +59,13 @@ std::optional<TrayShade> TrayPlace::shade() {
   if (!panel) {
     return std::nullopt;
   }
-  const QImage image = x11_->picture(panel->window, QRect(QPoint(), panel->rect.size()));
-  if (image.isNull()) {
-    return std::nullopt;
+  const QImage own = x11_->picture(panel->window, QRect(QPoint(), panel->rect.size()));
+  if (const auto shade = clearShade(own)) {
+    return shade;
   }
-  // A panel that is mostly transparent tells nothing: dark and light come out the same then.
-  const TrayShade guess = shadeOf(image, TrayShade::dark);
-  return guess == shadeOf(image, TrayShade::light) ? std::optional(guess) : std::nullopt;
+  // Of a transparent panel, what the screen shows in its place.
+  const QRect screen(0, 0, x11_->screen().width_in_pixels, x11_->screen().height_in_pixels);
+  return clearShade(x11_->picture(x11_->screen().root, panel->rect & screen));
 }
 
 std::optional<TrayPlace::Panel> TrayPlace::panelAt(QPoint point) {

@@ -11,6 +11,7 @@ namespace {
 constexpr std::uint32_t requestDock = 0;
 constexpr std::uint32_t xembedMapped = 1;
 constexpr std::uint8_t sentEventBit = 0x80;
+constexpr std::uint32_t sizeHintMinimum = 1 << 4;
 constexpr std::uint16_t firstSize = 24;
 
 int depthOf(const xcb_screen_t& screen, xcb_visualid_t visual) {
@@ -121,6 +122,12 @@ void XembedIcon::describeWindow() {
   xcb_change_property(x, XCB_PROP_MODE_REPLACE, window_, x11_.atom("_NET_WM_NAME"),
                       x11_.atom("UTF8_STRING"), 8, static_cast<std::uint32_t>(tip_.size()),
                       tip_.data());
+  // Some trays give an icon no more room than it asks for.
+  std::uint32_t hints[18] = {};
+  hints[0] = sizeHintMinimum;
+  hints[5] = hints[6] = firstSize;
+  xcb_change_property(x, XCB_PROP_MODE_REPLACE, window_, XCB_ATOM_WM_NORMAL_HINTS,
+                      XCB_ATOM_WM_SIZE_HINTS, 32, 18, hints);
   const std::uint32_t info[] = {0, xembedMapped};
   const xcb_atom_t infoAtom = x11_.atom("_XEMBED_INFO");
   xcb_change_property(x, XCB_PROP_MODE_REPLACE, window_, infoAtom, infoAtom, 32, 2, info);
