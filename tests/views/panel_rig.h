@@ -150,6 +150,12 @@ struct PanelTest : testing::Test {
     QCoreApplication::sendEvent(window.get(), &event);
     turn();
   }
+  /// What the mixer has for the app.
+  float volume(const std::string& app) {
+    world.mixer->publish();
+    turn();
+    return world.row(app)->volume;
+  }
   double sliderValue(const std::string& name) const {
     QQuickItem* slider = item(name, QAccessible::Slider);
     return slider ? slider->property("value").toDouble() : -1;

@@ -28,10 +28,11 @@ GalleryWorld::GalleryWorld(const GalleryState& state) {
   view_ = std::make_unique<PanelView>(
       *mixer_, PanelView::Services{defaults_, clock_, routes_, main_}, [] {}, [] {});
   view_->setVisible(true);
+  play();
   if (!state.expanded.empty()) {
     view_->toggleExpanded(bundleID(state.expanded));
+    settle();
   }
-  play();
 }
 
 GalleryWorld::~GalleryWorld() {

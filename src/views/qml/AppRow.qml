@@ -29,7 +29,7 @@ Item {
     Label {
         id: name
 
-        x: icon.x + icon.width + Metrics.gap
+        x: root.compact ? Metrics.textColumn : icon.x + icon.width + Metrics.gap
         y: root.compact ? 0 : 5
         width: root.compact ? 86 : output.x - x - Metrics.gap
         height: root.compact ? root.height : 18

@@ -66,35 +66,32 @@ FocusScope {
         onEditingChanged: isEditing => root.editingChanged(isEditing)
     }
 
-    Rectangle {
+    Capsule {
         id: track
 
-        y: Math.round((root.height - height) / 2)
+        y: (root.height - height) / 2
         width: root.width
         height: root.trackHeight
-        radius: height / 2
         color: root.trackColor
     }
 
-    Rectangle {
+    Capsule {
         // Up to the middle of the knob, under which the fill ends.
-        anchors.verticalCenter: track.verticalCenter
+        y: track.y
         width: Math.max(slider.knobOffset + root.knob.width / 2, height)
         height: root.trackHeight
-        radius: height / 2
         color: slider.fillColor
         visible: slider.value > 0
     }
 
-    Rectangle {
-        // What is heard fills the track from inside, never beyond the knob.
+    Capsule {
+        // What is heard shows inside the fill, never beyond the knob.
         x: 1.5
-        anchors.verticalCenter: track.verticalCenter
+        y: track.y + 1.5
         width: Math.max(root.level, 0) * Math.max(slider.knobOffset - x, 0)
         height: root.trackHeight - 3
-        radius: height / 2
-        color: "#34c759"
-        visible: root.level > 0 && width >= height
+        color: Metrics.meter
+        visible: width >= height
     }
 
     SliderKnob {

@@ -14,8 +14,6 @@ HoverRow {
     Accessible.checked: isSelected
 
     GlyphCircle {
-        id: glyph
-
         x: Metrics.glyphMargin
         anchors.verticalCenter: parent.verticalCenter
         symbol: root.symbol
@@ -23,10 +21,8 @@ HoverRow {
     }
 
     Label {
-        anchors.left: glyph.right
-        anchors.leftMargin: Metrics.gap
-        anchors.right: parent.right
-        anchors.rightMargin: Metrics.margin
+        x: Metrics.textColumn
+        width: parent.width - x - Metrics.margin
         height: parent.height
         text: root.name
     }

@@ -7,6 +7,7 @@ VisibilityGate {
 
     required property PanelBinding panel
 
+    focus: true
     isVisible: panel.isVisible
     width: panel.width
     height: panel.height

@@ -66,12 +66,22 @@ QtObject {
         const start = place ? place.index : direction > 0 ? -1 : list.count;
         for (let moved = 1; moved <= list.count; ++moved) {
             const index = (start + direction * moved + 2 * list.count) % list.count;
-            list.positionViewAtIndex(index, ListView.Contain);
+            reveal(index);
             const rows = lines(index);
             if (rows.length > 0)
                 return focusOn(pick(rows[direction > 0 ? 0 : rows.length - 1], direction, byLine, place ? place.column : 0));
         }
         return false;
+    }
+
+    /// Rows that are far away are found by estimates of their heights, better each time.
+    function reveal(index) {
+        for (let attempt = 0; attempt < 4; ++attempt) {
+            list.positionViewAtIndex(index, ListView.Contain);
+            list.forceLayout();
+            if (list.itemAtIndex(index))
+                return;
+        }
     }
 
     function pick(line, direction, byLine, column) {

@@ -5,14 +5,17 @@ Rectangle {
     id: root
 
     required property ListView list
+    // Clear of the panel's round corners.
+    readonly property real inset: 14
+    readonly property real room: list.height - 2 * inset
     readonly property real part: list.visibleArea.heightRatio
 
     anchors.right: parent.right
-    anchors.rightMargin: 2
-    y: 6 + list.visibleArea.yPosition * (list.height - 12)
-    width: 4
-    height: Math.max(part * (list.height - 12), 24)
-    radius: 2
+    anchors.rightMargin: 3
+    y: inset + list.visibleArea.yPosition * room
+    width: 3
+    height: Math.max(part * room, 24)
+    radius: 1.5
     color: Qt.rgba(1, 1, 1, 0.35)
     visible: part < 1
 }

@@ -1,6 +1,7 @@
 import QtQuick
+import Plemora
 
-/// The capsule that is dragged: a glass body with a soft shadow, a little clearer while pressed.
+/// The capsule that is dragged: a glass body with a soft shadow, a little darker while pressed.
 Item {
     id: root
 
@@ -10,34 +11,11 @@ Item {
     width: size.width
     height: size.height
 
-    Repeater {
-        // The software renderer has no blur: the shadow is a few capsules that fade outwards.
-        model: 3
-
-        Rectangle {
-            required property int index
-
-            x: -index - 0.5
-            y: -index + 0.5
-            width: root.width + 2 * index + 1
-            height: root.height + 2 * index + 1
-            radius: height / 2
-            color: Qt.rgba(0, 0, 0, 0.09)
-        }
-    }
-
-    Rectangle {
+    Capsule {
         anchors.fill: parent
-        radius: height / 2
-        gradient: Gradient {
-            GradientStop {
-                position: 0
-                color: "white"
-            }
-            GradientStop {
-                position: 1
-                color: root.pressed ? "#d8dade" : "#eceef0"
-            }
-        }
+        anchors.margins: -shadow
+        shadow: 4
+        color: "white"
+        bottomColor: root.pressed ? "#d6d9de" : "#eef0f2"
     }
 }
