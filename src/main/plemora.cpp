@@ -135,9 +135,10 @@ class Instance {
   }
 
   Exit runEngine(QDBusConnection& bus, bool shows) {
-    // First of all: whoever sees the program on the bus may end it at once, and in order.
+    // First of all: whoever sees the program on the bus may end it at once, and in order. Not by
+    // quit(), which an open window can refuse.
     const auto listen = [] {
-      return std::make_unique<EndingSignals>([] { QCoreApplication::quit(); });
+      return std::make_unique<EndingSignals>([] { QCoreApplication::exit(); });
     };
     auto ending = listen();
     LinuxProgram program(arguments_, PLEMORA_VERSION);
@@ -155,7 +156,7 @@ class Instance {
           panel->open();
         }
       });
-      adaptor->setQuitHandler([] { QCoreApplication::quit(); });
+      adaptor->setQuitHandler([] { QCoreApplication::exit(); });
       adaptor->setJoinHandler([&](const std::vector<std::string>& environment) {
         if (panel) {
           return true;
