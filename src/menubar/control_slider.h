@@ -19,7 +19,7 @@ struct SliderShape {
 
 /// The shapes of the two kinds of slider in the panel of 308 points.
 inline constexpr SliderShape masterSliderShape{{22, 16}, 6};
-inline constexpr SliderShape appSliderShape{{20, 14}, 5};
+inline constexpr SliderShape appSliderShape{{20, 14}, 6};
 
 /// The capsule that is dragged.
 struct SliderKnob {

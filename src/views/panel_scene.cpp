@@ -1,8 +1,8 @@
 #include "views/panel_scene.h"
 
 #include <QEvent>
-#include <QGuiApplication>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>

@@ -56,7 +56,7 @@ void paintBar(QPainter& painter, double width, Wallpaper wallpaper) {
   const bool isLight = wallpaper == Wallpaper::light;
   painter.fillRect(QRectF(0, 0, width, barHeight),
                    isLight ? QColor(255, 255, 255, 150) : QColor(10, 8, 25, 120));
-  QFont font;
+  QFont font("Inter");
   font.setPixelSize(13);
   font.setWeight(QFont::Medium);
   painter.setFont(font);

@@ -69,7 +69,7 @@ FocusScope {
     Capsule {
         id: track
 
-        y: (root.height - height) / 2
+        y: Math.round((root.height - height) / 2)
         width: root.width
         height: root.trackHeight
         color: root.trackColor
@@ -96,7 +96,7 @@ FocusScope {
 
     SliderKnob {
         x: slider.knobOffset
-        anchors.verticalCenter: track.verticalCenter
+        y: Math.round((root.height - height) / 2)
         size: root.knob
         pressed: slider.isDragging
 
