@@ -171,6 +171,8 @@ std::vector<std::string> splitCommand(std::string_view command) {
       started = true;
     } else if (quoted && c == '\\' && hasNext) {
       word += command[++i];
+    } else if (quoted && c == '%' && hasNext && command[i + 1] == '%') {
+      word += command[++i];
     } else if (!quoted && (c == ' ' || c == '\t' || c == '\n')) {
       finish();
     } else if (!quoted && c == '%' && hasNext) {

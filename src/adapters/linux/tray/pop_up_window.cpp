@@ -36,6 +36,10 @@ const QColor textColor(240, 240, 240);
 const QColor dimmedColor(240, 240, 240, 110);
 const QColor selectionColor(10, 108, 255);
 
+bool hasX11() {
+  return QGuiApplication::platformName() == "xcb";
+}
+
 QString shortcut(const PopUpMenuItem& item) {
   return item.keyEquivalent.empty()
              ? QString()
@@ -138,10 +142,15 @@ void PopUpWindow::place() {
   // A shape instead of an alpha channel: it needs no compositing manager.
   QPainterPath outline;
   outline.addRoundedRect(QRectF(QPointF(), QSizeF(size)), radius, radius);
-  setMask(QRegion(outline.toFillPolygon().toPolygon()));
+  if (hasX11()) {
+    setMask(QRegion(outline.toFillPolygon().toPolygon()));
+  }
 }
 
 void PopUpWindow::grab() {
+  if (!hasX11()) {
+    return;  // elsewhere a pop-up gets every click by itself, or loses the focus
+  }
   // Whoever opened the menu may hold the pointer until the button is released.
   const bool hasAll = setMouseGrabEnabled(true) && setKeyboardGrabEnabled(true);
   if (hasAll || ++attempts_ >= mostGrabs || isDone_) {
@@ -270,8 +279,10 @@ bool PopUpWindow::event(QEvent* event) {
 void PopUpWindow::close() {
   isDone_ = true;
   retry_.stop();
-  setMouseGrabEnabled(false);
-  setKeyboardGrabEnabled(false);
+  if (hasX11()) {
+    setMouseGrabEnabled(false);
+    setKeyboardGrabEnabled(false);
+  }
   hide();
 }
 

@@ -18,6 +18,7 @@ class PopUpWindow : public QRasterWindow {
   PopUpWindow(std::vector<PopUpMenuItem> items, std::function<void(std::function<void()>)> done);
 
   void setItems(std::vector<PopUpMenuItem> items);
+  const std::vector<PopUpMenuItem>& items() const { return items_; }
   /// Hides it; done is not called any more.
   void abandon();
   /// anchor: in the toolkit's coordinates.
