@@ -33,8 +33,8 @@ ROOMS = {
     "main/process": [],
     "main/ctl": ["adapters/linux/dbus", "main/process"],
     "main/gallery": ["adapters/stage", "views"],
-    "main": ["main/ctl", "main/gallery", "main/process", "adapters/linux/pipewire", "adapters/linux/windows",
-             "adapters/linux/tray", "adapters/stage"],
+    "main": ["main/ctl", "main/process", "adapters/linux/pipewire"],
+    "main/ui": ["main", "main/gallery", "adapters/linux/windows", "adapters/linux/tray"],
 }
 
 # Rooms that know nothing of an operating system or a toolkit: the C++ standard library (names

@@ -13,6 +13,7 @@
 #include "adapters/linux/windows/linux_desktop.h"
 #include "app/services/launch_at_login.h"
 #include "app/services/updater.h"
+#include "main/desktop_ui.h"
 #include "main/linux_program.h"
 #include "menubar/status_item_controller.h"
 #include "skin/look/control_center_look.h"
@@ -23,15 +24,14 @@ class PanelScene;
 
 /// The icon in the tray and the panel below it, on the desktop that the QGuiApplication runs on.
 /// Main thread; destroyed before the QGuiApplication and before the program.
-class LinuxPanel {
+class LinuxPanel : public Panel {
  public:
-  LinuxPanel(LinuxProgram& program, QDBusConnection bus, const std::string& version);
-  ~LinuxPanel();
+  LinuxPanel(LinuxProgram& program, const QDBusConnection& bus, const std::string& version);
+  ~LinuxPanel() override;
   LinuxPanel(const LinuxPanel&) = delete;
   LinuxPanel& operator=(const LinuxPanel&) = delete;
 
-  /// Opens the panel below the icon.
-  void open();
+  void open() override;
 
  private:
   std::shared_ptr<HostedView> makeScene(PanelView& view);

@@ -1,4 +1,4 @@
-#include "main/linux_panel.h"
+#include "main/ui/linux_panel.h"
 
 #include <algorithm>
 #include <vector>
@@ -8,7 +8,8 @@
 
 namespace plemora {
 
-LinuxPanel::LinuxPanel(LinuxProgram& program, QDBusConnection bus, const std::string& version)
+LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
+                       const std::string& version)
     : desktop_(program.mainQueue()),
       appearance_(bus),
       look_(program.defaults(), program.system(), appearance_,

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QCoreApplication;
+class QDBusConnection;
+
+namespace plemora {
+
+class DesktopUi;
+
+/// Exit statuses of the programs.
+enum Exit { success = 0, failure = 1, usage = 2 };
+
+/// Writes "plemora: MESSAGE" to the standard error.
+void printError(const std::string& message);
+
+/// The one instance of a user session: the engine, and the panel while there is a desktop to show
+/// it on. Main thread.
+class Instance {
+ public:
+  /// argc and argv outlive it; arguments: the same without the program's name.
+  Instance(int& argc, char** argv, std::vector<std::string> arguments);
+  ~Instance();
+
+  /// Runs until it is ended, or hands over to the instance that runs already. ui: none for a
+  /// service, which loads it when it is asked to join a desktop.
+  Exit run(DesktopUi* ui);
+
+ private:
+  Exit runEngine(QDBusConnection& bus);
+
+  int& argc_;
+  char** argv_;
+  const std::vector<std::string> arguments_;
+  DesktopUi* ui_ = nullptr;
+  std::unique_ptr<QCoreApplication> application_;
+};
+
+}  // namespace plemora
