@@ -49,6 +49,7 @@ int main(int argc, char** argv) {
     logger.notice("no display answers: the engine runs without a window; plemoractl controls it");
   }
   if (options->screenshots) {
+    setLogHandler({});  // what the simulated engine does is nobody's news
     return ui == nullptr ? failure : ui->renderScreenshots(*options->screenshots);
   }
   return Instance(argc, argv, arguments).run(ui);
