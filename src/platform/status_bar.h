@@ -53,7 +53,8 @@ class StatusItem {
 struct StatusItemHandlers {
   std::function<void(StatusButtonEvent)> clicked;
   std::function<void(int steps)> scrolled;
-  /// Items for hosts that show a menu without asking first; called each time that it is shown.
+  /// Items for hosts that show a menu without asking first; called each time that it is shown. The
+  /// first one does what a left click does: hosts whose left click does that leave it out.
   std::function<std::vector<MenuItem>()> menu;
 };
 

@@ -76,11 +76,8 @@ StatusNotifierItem::Handlers LinuxStatusItem::notifierHandlers() {
 
 std::vector<MenuItem> LinuxStatusItem::hostMenu() {
   std::vector<MenuItem> items = handlers_.menu ? handlers_.menu() : std::vector<MenuItem>();
-  if (opensMenuOnClick()) {
-    items.insert(items.begin(), MenuItem{});
-    items.insert(
-        items.begin(),
-        MenuItem{"Open Plemora", [this] { clicked(StatusButtonEvent::leftMouseDown); }, {}});
+  if (!items.empty() && !opensMenuOnClick()) {
+    items.erase(items.begin());  // a left click opens the mixer
   }
   return items;
 }
