@@ -87,7 +87,7 @@ TEST_F(BusMenuTest, AsksForItemsWhenItIsShownAndKeepsNoOldOnesAlive) {
   EXPECT_EQ(layout().revision, before.revision);
 
   menu.insert(
-      menu.begin() + 1,
+      menu.begin() + 2,
       {"Put Apple's Sound Back in Control Center", [this] { chosen.push_back("restore"); }, {}});
   EXPECT_TRUE(aboutToShow());
   const Layout after = layout();
