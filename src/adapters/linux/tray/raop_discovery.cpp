@@ -24,7 +24,7 @@ class RaopSearch {
     process_.setProcessChannelMode(QProcess::MergedChannels);
     // It ends with this program, whatever ends that.
     process_.setChildProcessModifier([parent = getpid()] {
-      prctl(PR_SET_PDEATHSIG, SIGTERM);
+      prctl(PR_SET_PDEATHSIG, SIGKILL);
       if (getppid() != parent) {
         _exit(0);
       }
