@@ -1,8 +1,26 @@
 #include "main/program_options.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <string_view>
 
 namespace plemora {
+
+namespace {
+
+// The settings that make sense for one run alone, given as "-name value".
+constexpr std::string_view settings[] = {
+    "appRowStyle", "detailStyle", "detailStyle.dark", "detailStyle.light", "look",
+    "release",     "showMeters",  "skinStyle",        "skinStyle.dark",    "skinStyle.light",
+};
+
+bool isSetting(std::string_view argument) {
+  return argument.starts_with('-') && std::find(std::begin(settings), std::end(settings),
+                                                argument.substr(1)) != std::end(settings);
+}
+
+}  // namespace
 
 std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> arguments,
                                                   std::string& problem) {
@@ -18,6 +36,11 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
     } else if (argument == "-demo") {
       if (++i == arguments.size()) {
         problem = "-demo needs a JSON configuration after it, in quotes";
+        return std::nullopt;
+      }
+    } else if (isSetting(argument)) {
+      if (++i == arguments.size()) {
+        problem = argument + " needs its value after it";
         return std::nullopt;
       }
     } else if (argument == "--screenshots") {
@@ -44,6 +67,9 @@ std::string programHelp() {
          "  --no-ui            run without a window, as a service\n"
          "  --log-levels       log what each tapped app plays, every 2 seconds\n"
          "  -demo JSON         show prepared rows and touch no sound\n"
+         "  -SETTING VALUE     a setting for this run alone: showMeters, appRowStyle, release, "
+         "look,\n"
+         "                     detailStyle or skinStyle\n"
          "  --screenshots DIR  draw the panel in all its states into DIR, and end; needs no "
          "display\n"
          "  -h, --help         this text\n"

@@ -115,6 +115,9 @@ TEST(ProgramOptions, TakesItsOwnAndRefusesOthers) {
       {{"-demo", "{\"apps\":[]}"}, nullptr},
       {{"-demo", "--no-ui"}, nullptr},
       {{"-demo"}, "-demo needs a JSON configuration"},
+      {{"-showMeters"}, "-showMeters needs its value"},
+      {{"-showmeters", "no"}, "unknown option \"-showmeters\""},
+      {{"--screenshots"}, "--screenshots needs the folder"},
       {{"--no-gui"}, "unknown option \"--no-gui\""},
       {{"-x", "1"}, "unknown option \"-x\""},
       {{"song.ogg"}, "unexpected argument \"song.ogg\""},
@@ -126,6 +129,8 @@ TEST(ProgramOptions, TakesItsOwnAndRefusesOthers) {
     EXPECT_THAT(problem, HasSubstr(expected.problem == nullptr ? "" : expected.problem));
   }
   std::string problem;
+  EXPECT_TRUE(parseProgramOptions(Words{"-showMeters", "no", "--no-ui"}, problem)->withoutWindow);
+  EXPECT_EQ(parseProgramOptions(Words{"--screenshots", "a b"}, problem)->screenshots, "a b");
   EXPECT_TRUE(parseProgramOptions(Words{"--no-ui"}, problem)->withoutWindow);
   EXPECT_FALSE(parseProgramOptions(Words{"-demo", "--no-ui"}, problem)->withoutWindow);
 }
