@@ -19,6 +19,7 @@
 #include "main/process/display_probe.h"
 #include "main/process/ending_signals.h"
 #include "main/process/instance_lock.h"
+#include "main/program_options.h"
 
 namespace plemora {
 
@@ -31,6 +32,7 @@ namespace {
 constexpr Logger logger("program");
 
 constexpr int joinDesktopCode = 100;  // of the event loop
+constexpr double openingDelay = 0.3;  // seconds
 
 bool isRunning(const QDBusConnection& bus) {
   return bus.isConnected() && bus.interface()->isServiceRegistered(mixerBusName);
@@ -88,8 +90,9 @@ Instance::Instance(int& argc, char** argv, std::vector<std::string> arguments)
 
 Instance::~Instance() = default;
 
-Exit Instance::run(DesktopUi* ui) {
+Exit Instance::run(DesktopUi* ui, bool opensPanel) {
   ui_ = ui;
+  opensPanel_ = opensPanel;
   application_ = std::make_unique<QCoreApplication>(argc_, argv_);
   auto bus = QDBusConnection::sessionBus();
   const InstanceLock lock(InstanceLock::defaultFile());
@@ -123,6 +126,7 @@ Exit Instance::runEngine(QDBusConnection& bus) {
   auto ending = listen();
   LinuxProgram program(arguments_, PLEMORA_VERSION);
   std::unique_ptr<Panel> panel;
+  Timer opening;
   std::optional<MixerAdaptor> adaptor;
   bool hasJoined = false;
   if (bus.isConnected()) {
@@ -132,7 +136,12 @@ Exit Instance::runEngine(QDBusConnection& bus) {
       // A second start on the same desktop means: let me see it. The service's own does not.
       const bool isService =
           std::find(arguments.begin(), arguments.end(), "--no-ui") != arguments.end();
-      if (panel && !isService && !std::exchange(hasJoined, false)) {
+      const bool hasURL = std::any_of(arguments.begin(), arguments.end(), [](const auto& argument) {
+        return argument.starts_with(urlScheme);
+      });
+      const bool isFirst = std::exchange(hasJoined, false);
+      opensPanel_ = hasURL;
+      if (panel && !isService && (hasURL || !isFirst)) {
         panel->open();
       }
     });
@@ -159,8 +168,15 @@ Exit Instance::runEngine(QDBusConnection& bus) {
     logger.warning("no session bus (" + bus.lastError().message().toStdString() +
                    "): plemoractl cannot reach this instance");
   }
-  if (ui_ != nullptr) {
+  const auto show = [&] {
     panel = ui_->makePanel(program, bus, PLEMORA_VERSION);
+    if (opensPanel_) {
+      // Once the tray has had its moment to say where the icon is.
+      opening = program.mainQueue().after(openingDelay, [&panel] { panel->open(); });
+    }
+  };
+  if (ui_ != nullptr) {
+    show();
   }
   while (QCoreApplication::exec() == joinDesktopCode) {
     // The engine goes on untouched; only the event loop is exchanged for one that has windows.
@@ -170,7 +186,7 @@ Exit Instance::runEngine(QDBusConnection& bus) {
     application_ = ui_->makeApplication(argc_, argv_);
     program.mainQueue().resume();
     ending = listen();
-    panel = ui_->makePanel(program, bus, PLEMORA_VERSION);
+    show();
     logger.notice("joined the desktop");
   }
   return success;

@@ -26,8 +26,8 @@ class Instance {
   ~Instance();
 
   /// Runs until it is ended, or hands over to the instance that runs already. ui: none for a
-  /// service, which loads it when it is asked to join a desktop.
-  Exit run(DesktopUi* ui);
+  /// service, which loads it when it is asked to join a desktop. opensPanel: at once.
+  Exit run(DesktopUi* ui, bool opensPanel);
 
  private:
   Exit runEngine(QDBusConnection& bus);
@@ -36,6 +36,7 @@ class Instance {
   char** argv_;
   const std::vector<std::string> arguments_;
   DesktopUi* ui_ = nullptr;
+  bool opensPanel_ = false;
   std::unique_ptr<QCoreApplication> application_;
 };
 

@@ -52,5 +52,5 @@ int main(int argc, char** argv) {
     setLogHandler({});  // what the simulated engine does is nobody's news
     return ui == nullptr ? failure : ui->renderScreenshots(*options->screenshots);
   }
-  return Instance(argc, argv, arguments).run(ui);
+  return Instance(argc, argv, arguments).run(ui, options->opensPanel);
 }

@@ -33,6 +33,8 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
       options.wantsHelp = true;
     } else if (argument == "--version") {
       options.wantsVersion = true;
+    } else if (argument.starts_with(urlScheme)) {
+      options.opensPanel = true;
     } else if (argument == "-demo") {
       if (++i == arguments.size()) {
         problem = "-demo needs a JSON configuration after it, in quotes";
