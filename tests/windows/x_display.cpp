@@ -67,7 +67,16 @@ XDisplay::XDisplay(const DisplaySetup& setup) {
   }
   if (setup.hasCompositingManager) {
     start({"picom", "--backend", "xrender", "--config", "/dev/null"});
-    if (!rig::eventually(patience, [&] { return hasSelectionOwner("_NET_WM_CM_S0"); })) {
+    // It owns the screen's selection some time before it paints.
+    const auto window = makeWindow({0, 0, 10, 10}, ~*setup.background & 0xffffffU);
+    const std::uint32_t none = 0;
+    xcb_change_property(xcb_, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_OPACITY"),
+                        XCB_ATOM_CARDINAL, 32, 1, &none);
+    const bool paints = rig::eventually(patience, [&] {
+      return pixel({5, 5}) == setup.background;
+    });
+    destroy(window);
+    if (!paints) {
       throw std::runtime_error("picom did not start");
     }
   }
@@ -127,11 +136,15 @@ xcb_window_t XDisplay::makeWindow(const QRect& frame, unsigned color, bool isMan
     if (++asked % 25 == 0) {
       xcb_map_window(xcb_, window);  // a window manager that just starts overlooks some
     }
-    const X11Owned<xcb_get_window_attributes_reply_t> reply(
-        xcb_get_window_attributes_reply(xcb_, xcb_get_window_attributes(xcb_, window), nullptr));
-    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    return isShown(window);
   });
   return window;
+}
+
+bool XDisplay::isShown(xcb_window_t window) {
+  const X11Owned<xcb_get_window_attributes_reply_t> reply(
+      xcb_get_window_attributes_reply(xcb_, xcb_get_window_attributes(xcb_, window), nullptr));
+  return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 void XDisplay::paint(xcb_window_t window, const QRect& area, unsigned color) {

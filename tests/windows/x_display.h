@@ -53,6 +53,7 @@ class XDisplay {
   /// What the screen shows, 0xRRGGBB.
   unsigned pixel(const QPoint& point);
   QRect frameOf(xcb_window_t window);
+  bool isShown(xcb_window_t window);
   /// Children of the root window, lowest first.
   std::vector<xcb_window_t> stack();
   xcb_window_t focus();
