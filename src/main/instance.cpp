@@ -109,6 +109,8 @@ Exit Instance::run(DesktopUi* ui, bool opensPanel) {
     logger.warning("no lock file (" + lock.problem() + "); the session bus alone tells instances");
   }
   if (ui_ != nullptr) {
+    // The bus has left word for the first turn of the event loop: to begin with its messages.
+    QCoreApplication::processEvents();
     application_.reset();
     application_ = ui_->makeApplication(argc_, argv_);
   }

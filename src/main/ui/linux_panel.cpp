@@ -35,6 +35,7 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
     const auto icon = controller_.iconFrame();
     return icon ? std::vector<Rect>{*icon} : std::vector<Rect>();
   });
+  controller_.onSetUp = [this, &program] { explainSetUp(program.model().permission.get()); };
   updater_.start();
   launchAtLogin_.enableOnFirstRun();
 }
@@ -45,6 +46,16 @@ LinuxPanel::~LinuxPanel() {
 
 void LinuxPanel::open() {
   controller_.open(StatusItemController::Anchor::menuBar);
+}
+
+// The one thing to set up is not the program's to give.
+void LinuxPanel::explainSetUp(AudioPermission::Status permission) {
+  notifier_.show("Plemora", permission == AudioPermission::Status::granted
+                                ? "Nothing is left to set up: the volume of every app that plays "
+                                  "can be changed."
+                                : "The sound server does not let Plemora link streams. Ask whoever "
+                                  "looks after this computer for the permission to do so, or see "
+                                  "whether the sound server runs.");
 }
 
 std::shared_ptr<HostedView> LinuxPanel::makeScene(PanelView& view) {

@@ -34,6 +34,7 @@ class LinuxPanel : public Panel {
   void open() override;
 
  private:
+  void explainSetUp(AudioPermission::Status permission);
   std::shared_ptr<HostedView> makeScene(PanelView& view);
 
   // The order matters: what is used stands before its users.
