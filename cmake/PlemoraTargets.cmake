@@ -16,6 +16,16 @@ if(PLEMORA_SANITIZE)
   target_link_options(plemora_options INTERFACE -fsanitize=${PLEMORA_SANITIZE})
 endif()
 
+# Tests are looked into by the sanitizers only as far as they must be: what they test is what counts,
+# and they take longest to compile.
+add_library(plemora_test_options INTERFACE)
+if(PLEMORA_SANITIZE)
+  target_compile_options(plemora_test_options INTERFACE -O0)
+  if(PLEMORA_SANITIZE MATCHES "undefined")
+    target_compile_options(plemora_test_options INTERFACE -fno-sanitize=undefined)
+  endif()
+endif()
+
 # plemora_library(<target> FOLDER <folder below src> SOURCES <files> [LINKS <targets>] [PRIVATE_LINKS <targets>])
 # The folder is offered to dependents under its own name through a link in the build tree, so that
 # #include "folder/file.h" works for those who link the target and for nobody else.
@@ -51,7 +61,8 @@ function(plemora_test target)
     set(ARG_TIMEOUT 60)
   endif()
   add_executable(${target} ${ARG_SOURCES})
-  target_link_libraries(${target} PRIVATE plemora_options ${ARG_LINKS} GTest::gmock GTest::gtest_main)
+  target_link_libraries(${target} PRIVATE plemora_options plemora_test_options ${ARG_LINKS}
+    GTest::gmock GTest::gtest_main)
   # What every test includes anyway, read once for each target that is worth it.
   list(LENGTH ARG_SOURCES count)
   if(count GREATER 2)
