@@ -248,6 +248,16 @@ void XDisplay::click(const QPoint& point, int button) {
   fake(XCB_BUTTON_RELEASE, button);
 }
 
+void XDisplay::drag(const QPoint& from, const QPoint& to) {
+  constexpr int stops = 10;
+  fake(XCB_MOTION_NOTIFY, 0, from);
+  fake(XCB_BUTTON_PRESS, 1);
+  for (int stop = 1; stop <= stops; ++stop) {
+    fake(XCB_MOTION_NOTIFY, 0, from + (to - from) * stop / stops);
+  }
+  fake(XCB_BUTTON_RELEASE, 1);
+}
+
 void XDisplay::pressKey(unsigned keysym) {
   const auto* setup = xcb_get_setup(xcb_);
   const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);

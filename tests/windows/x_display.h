@@ -62,6 +62,8 @@ class XDisplay {
   std::vector<std::uint32_t> property(xcb_window_t window, const std::string& name);
 
   void click(const QPoint& point, int button = 1);
+  /// Presses at the first point, lets go at the last, and is seen on the way between them.
+  void drag(const QPoint& from, const QPoint& to);
   void pressKey(unsigned keysym);
   void setScreenSize(const QSize& size);
 

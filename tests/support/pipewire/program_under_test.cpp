@@ -40,16 +40,21 @@ std::size_t statusNumber(const std::string& file, const std::string& key) {
 
 }  // namespace
 
-ProgramUnderTest::ProgramUnderTest(PrivateSession& session, std::vector<std::string> arguments)
-    : session_(session), arguments_(std::move(arguments)) {
+ProgramUnderTest::ProgramUnderTest(PrivateSession& session, std::vector<std::string> arguments,
+                                   std::vector<std::string> desktop)
+    : session_(session), arguments_(std::move(arguments)), desktop_(std::move(desktop)) {
   start();
 }
 
 void ProgramUnderTest::start() {
   ChildOptions options;
-  options.arguments = {programs + "/plemora", "--no-ui"};
+  options.arguments = {programs + "/plemora"};
+  if (desktop_.empty()) {
+    options.arguments.emplace_back("--no-ui");
+  }
   options.arguments.insert(options.arguments.end(), arguments_.begin(), arguments_.end());
   options.environment = session_.environment();
+  options.environment.insert(options.environment.end(), desktop_.begin(), desktop_.end());
   options.logFile = session_.directory() + "/plemora.log";
   process_.reset();
   process_ = std::make_unique<ChildProcess>(options);

@@ -28,11 +28,13 @@ struct AppRow {
   bool routed = false;
 };
 
-/// The real program without its window in a private session, and the command line that controls it.
+/// The real program in a private session, and the command line that controls it.
 class ProgramUnderTest {
  public:
-  /// Starts it and waits until it answers. Throws std::runtime_error when it does not.
-  explicit ProgramUnderTest(PrivateSession& session, std::vector<std::string> arguments = {});
+  /// Starts it and waits until it answers. Throws std::runtime_error when it does not. desktop:
+  /// what it needs of the environment to show its window; empty: it runs without one.
+  explicit ProgramUnderTest(PrivateSession& session, std::vector<std::string> arguments = {},
+                            std::vector<std::string> desktop = {});
 
   ChildProcess& process() { return *process_; }
   /// Starts it again, after it has ended or was killed.
@@ -56,6 +58,7 @@ class ProgramUnderTest {
  private:
   PrivateSession& session_;
   std::vector<std::string> arguments_;
+  std::vector<std::string> desktop_;
   std::unique_ptr<ChildProcess> process_;
 };
 
