@@ -40,7 +40,7 @@ class LinuxDesktop {
 
   /// Asked, whenever another program's window is pressed, for areas (global points, y up) that are
   /// ours although their window is not, such as the icon in a tray: presses there do not reach
-  /// global monitors. Empty function: none.
+  /// global monitors, but for those of the right button. Empty function: none.
   void setOwnAreas(std::function<std::vector<Rect>()> areas);
 
  private:

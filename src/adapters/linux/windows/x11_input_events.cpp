@@ -100,7 +100,9 @@ void X11InputEvents::report(InputEventType type) {
     return;
   }
   const Pointer where = pointer();
-  const auto own = ownAreas_ ? ownAreas_() : std::vector<Rect>();
+  // What a right press there shows is another program's, such as a menu of the tray's.
+  const bool asksAreas = ownAreas_ && type != InputEventType::rightMouseDown;
+  const auto own = asksAreas ? ownAreas_() : std::vector<Rect>();
   if (where.isOverOurs || std::any_of(own.begin(), own.end(), [&](const Rect& area) {
         return area.contains(where.location);
       })) {
