@@ -143,6 +143,16 @@ Area WatchedDesktop::frameOf(xcb_window_t window) {
   return {place->dst_x, place->dst_y, size->width, size->height};
 }
 
+xcb_window_t WatchedDesktop::topLevel(xcb_window_t window) {
+  while (true) {
+    const auto tree = owned(xcb_query_tree_reply(xcb_, xcb_query_tree(xcb_, window), nullptr));
+    if (!tree || tree->parent == screen_->root || tree->parent == 0) {
+      return window;
+    }
+    window = tree->parent;
+  }
+}
+
 bool WatchedDesktop::isShown(xcb_window_t window) {
   const auto reply = owned(
       xcb_get_window_attributes_reply(xcb_, xcb_get_window_attributes(xcb_, window), nullptr));
@@ -236,7 +246,7 @@ std::optional<FirstFrame> WatchedDesktop::frameAfter(const std::function<void()>
         // one that is drawn when the screen shows something new.
         frame.drawn = now;
         frame.window = damage->drawable;
-        frame.place = frameOf(damage->drawable);
+        frame.place = frameOf(topLevel(damage->drawable));
       }
       continue;
     }

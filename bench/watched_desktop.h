@@ -72,6 +72,8 @@ class WatchedDesktop {
   void watch(xcb_window_t window);
   Pixels pixels(const Area& area);
   Area frameOf(xcb_window_t window);
+  /// Itself, or the window manager's frame around it.
+  xcb_window_t topLevel(xcb_window_t window);
   /// The next thing that the server reports; none within that time.
   std::unique_ptr<xcb_generic_event_t, decltype(&free)> next(Instant until);
   /// Forgets what has been reported, once nothing changes for a while.
