@@ -1,5 +1,7 @@
 #include "main/ui/linux_panel.h"
 
+#include <QFontInfo>
+#include <QGuiApplication>
 #include <algorithm>
 #include <vector>
 
@@ -7,6 +9,18 @@
 #include "views/panel_scene.h"
 
 namespace plemora {
+
+namespace {
+
+constexpr double readyingDelay = 0.5;  // seconds
+
+/// The first use of a font reads the desktop's description of all of them, which takes about as
+/// long as showing the panel does. The first click shall not wait for that.
+void findFonts() {
+  QFontInfo(QGuiApplication::font()).family();
+}
+
+}  // namespace
 
 LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
                        const std::string& version)
@@ -30,7 +44,8 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
                           program.workspace(), desktop_.application(), desktop_.screens(),
                           desktop_.inputEvents(), desktop_.windows(), desktop_.displayLinks(),
                           statusBar_, routePicker_, look_, updater_},
-          [this](PanelView& view) { return makeScene(view); }) {
+          [this](PanelView& view) { return makeScene(view); }),
+      readying_(program.mainQueue().after(readyingDelay, findFonts)) {
   desktop_.setOwnAreas([this] {
     const auto icon = controller_.iconFrame();
     return icon ? std::vector<Rect>{*icon} : std::vector<Rect>();

@@ -49,6 +49,7 @@ class LinuxPanel : public Panel {
   LinuxStatusBar statusBar_;
   RaopRoutePicker routePicker_;
   StatusItemController controller_;
+  Timer readying_;
 };
 
 }  // namespace plemora

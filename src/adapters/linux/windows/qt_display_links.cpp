@@ -12,11 +12,15 @@ namespace {
 
 using Milliseconds = std::chrono::duration<double, std::milli>;
 
+/// The part of a frame's time after which the first tick comes: what begins is to be seen soon.
+constexpr double firstFrame = 0.25;
+
 class TimerLink : public DisplayLink {
  public:
   TimerLink(double rate, std::function<void()> tick)
       : period_(1000 / rate),
-        start_(Clock::now()),
+        start_(Clock::now() - std::chrono::duration_cast<Clock::duration>(
+                                  Milliseconds((1 - firstFrame) * period_))),
         tick_(std::make_shared<std::function<void()>>(std::move(tick))) {
     timer_.setTimerType(Qt::PreciseTimer);
     timer_.setSingleShot(true);
