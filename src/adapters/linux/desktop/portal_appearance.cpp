@@ -34,6 +34,8 @@ bool isDarkThemeName(const std::string& name) {
 PortalAppearance::PortalAppearance(QDBusConnection bus)
     : bus_(std::move(bus)), isDark_(isDarkByEnvironment()) {
   if (bus_.isConnected()) {
+    // The bus finds the types of a slot by their names, which nobody may have used before.
+    qRegisterMetaType<QDBusVariant>("QDBusVariant");
     bus_.connect(portal, path, settings, "SettingChanged", this,
                  SLOT(settingChanged(QString, QString, QDBusVariant)));
     ask();
