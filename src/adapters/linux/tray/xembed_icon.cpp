@@ -98,6 +98,8 @@ void XembedIcon::makeWindow() {
   constexpr std::uint32_t events =
       XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS;
   window_ = xcb_generate_id(x);
+  // A tray that wants it that large tells of no change.
+  size_ = QSize(firstSize, firstSize);
   if (depth_ == 32) {
     colors_ = xcb_generate_id(x);
     xcb_create_colormap(x, XCB_COLORMAP_ALLOC_NONE, colors_, screen.root, visual);
