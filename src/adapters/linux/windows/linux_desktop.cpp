@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "adapters/linux/windows/layer_shell_panels.h"
 #include "adapters/linux/windows/linux_screens.h"
 #include "adapters/linux/windows/qt_application.h"
 #include "adapters/linux/windows/qt_display_links.h"
@@ -62,24 +63,42 @@ class LinuxDesktop::Parts {
             "No second connection to the X server: the panel appears where the desktop puts it. "
             "Check that the variable DISPLAY names the display that the program runs on.");
       }
+    } else if (QGuiApplication::platformName().startsWith(QLatin1String("wayland"))) {
+      layerShell = std::make_unique<LayerShellPanels>();
+    }
+    if (!x11 && !layerShell) {
+      plainInput = std::make_unique<QtInputEvents>();
     }
     windows = std::make_unique<QuickWindows>(
-        queue, screens, backdrop(), [this](const PanelWindowOptions& options) {
-          return x11 ? x11->panels.makeHost(options) : std::make_unique<WindowHost>(options);
-        });
+        queue, screens, backdrop(),
+        [this](const PanelWindowOptions& options) { return makeHost(options); });
+  }
+
+  std::unique_ptr<PanelHost> makeHost(const PanelWindowOptions& options) {
+    if (x11) {
+      return x11->panels.makeHost(options);
+    }
+    auto host = layerShell ? layerShell->makeHost(options) : nullptr;
+    return host ? std::move(host) : std::make_unique<WindowHost>(options);
   }
 
   BackdropSource& backdrop() {
     return x11 ? static_cast<BackdropSource&>(x11->backdrop) : noBackdrop;
   }
-  InputEvents& input() { return x11 ? static_cast<InputEvents&>(x11->input) : plainInput; }
+  InputEvents& input() {
+    if (x11) {
+      return x11->input;
+    }
+    return layerShell ? layerShell->input() : *plainInput;
+  }
 
   QtApplication application;
   LinuxScreens screens;
   QtDisplayLinks links;
   NoBackdrop noBackdrop;
-  QtInputEvents plainInput;
+  std::unique_ptr<QtInputEvents> plainInput;  // where there is nothing better
   std::unique_ptr<X11Parts> x11;
+  std::unique_ptr<LayerShellPanels> layerShell;
   std::unique_ptr<QuickWindows> windows;
 };
 
