@@ -83,7 +83,7 @@ class Measured {
  public:
   Measured(const Settings& settings, PrivateSession& session, WatchedDesktop& desktop,
            std::vector<std::string> arguments)
-      : settings_(settings), session_(session), desktop_(desktop), name_(arguments.front()) {
+      : settings_(settings), desktop_(desktop), name_(arguments.front()) {
     name_ = std::filesystem::path(name_).filename();
     options_.arguments = std::move(arguments);
     options_.environment = session.environment();
@@ -183,7 +183,6 @@ class Measured {
 
  private:
   const Settings& settings_;
-  PrivateSession& session_;
   WatchedDesktop& desktop_;
   std::string name_;
   ChildOptions options_;
