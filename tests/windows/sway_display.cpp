@@ -48,7 +48,7 @@ void SwayDisplay::start(const std::string& config) {
       return;
     }
     arguments = {"setpriv", "--reuid=nobody", "--regid=" + std::to_string(nobody->pw_gid),
-                 "--clear-groups"};
+                 "--clear-groups", "--pdeathsig=KILL"};
   }
   arguments.insert(arguments.end(), {"sway", "-c", directory_ + "/config"});
   sway_ = std::make_unique<rig::ChildProcess>(rig::ChildOptions{
