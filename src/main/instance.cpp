@@ -92,14 +92,27 @@ Instance::Instance(int& argc, char** argv, std::vector<std::string> arguments)
 
 Instance::~Instance() = default;
 
-Exit Instance::run(DesktopUi* ui, bool opensPanel) {
-  ui_ = ui;
+void Instance::makeWindowed() {
+  // The toolkit's modules forget how to be read out when an application object goes that was there
+  // before them, so they are loaded when none is.
+  application_.reset();
+  std::string problem;
+  ui_ = loadDesktopUi(problem);
+  if (ui_ == nullptr) {
+    logger.error("the panel cannot be loaded: " + problem);
+    application_ = std::make_unique<QCoreApplication>(argc_, argv_);
+  } else {
+    application_ = ui_->makeApplication(argc_, argv_);
+  }
+}
+
+Exit Instance::run(bool hasDesktop, bool opensPanel) {
   opensPanel_ = opensPanel;
   application_ = std::make_unique<QCoreApplication>(argc_, argv_);
   auto bus = QDBusConnection::sessionBus();
   const InstanceLock lock(InstanceLock::defaultFile());
   if (lock.result() == InstanceLock::Result::held || isRunning(bus)) {
-    return handOver(bus, arguments_, ui_ != nullptr);
+    return handOver(bus, arguments_, hasDesktop);
   }
   if (lock.result() == InstanceLock::Result::unavailable) {
     if (!bus.isConnected()) {
@@ -110,11 +123,10 @@ Exit Instance::run(DesktopUi* ui, bool opensPanel) {
     }
     logger.warning("no lock file (" + lock.problem() + "); the session bus alone tells instances");
   }
-  if (ui_ != nullptr) {
+  if (hasDesktop) {
     // The bus has left word for the first turn of the event loop: to begin with its messages.
     QCoreApplication::processEvents();
-    application_.reset();
-    application_ = ui_->makeApplication(argc_, argv_);
+    makeWindowed();
   }
   const Exit result = runEngine(bus);
   logger.info("ended; every app is back on its usual path");
@@ -156,10 +168,8 @@ Exit Instance::runEngine(QDBusConnection& bus) {
         return true;
       }
       joinDesktop(environment);
-      std::string problem = "no display answers";
-      ui_ = displayAnswers() ? loadDesktopUi(problem) : nullptr;
-      if (ui_ == nullptr) {
-        logger.warning("cannot join the desktop: " + problem);
+      if (!displayAnswers()) {
+        logger.warning("cannot join the desktop: no display answers");
         return false;
       }
       hasJoined = true;
@@ -187,12 +197,13 @@ Exit Instance::runEngine(QDBusConnection& bus) {
     // The engine goes on untouched; only the event loop is exchanged for one that has windows.
     ending.reset();
     program.mainQueue().rest();
-    application_.reset();
-    application_ = ui_->makeApplication(argc_, argv_);
+    makeWindowed();
     program.mainQueue().resume();
     ending = listen();
-    show();
-    logger.notice("joined the desktop");
+    if (ui_ != nullptr) {
+      show();
+      logger.notice("joined the desktop");
+    }
   }
   return success;
 }

@@ -25,11 +25,13 @@ class Instance {
   Instance(int& argc, char** argv, std::vector<std::string> arguments);
   ~Instance();
 
-  /// Runs until it is ended, or hands over to the instance that runs already. ui: none for a
-  /// service, which loads it when it is asked to join a desktop. opensPanel: at once.
-  Exit run(DesktopUi* ui, bool opensPanel);
+  /// Runs until it is ended, or hands over to the instance that runs already. hasDesktop: shows
+  /// the panel there; a service does when it is asked to join a desktop. opensPanel: at once.
+  Exit run(bool hasDesktop, bool opensPanel);
 
  private:
+  /// Exchanges the application object for one that has windows.
+  void makeWindowed();
   Exit runEngine(QDBusConnection& bus);
 
   int& argc_;

@@ -39,18 +39,18 @@ int main(int argc, char** argv) {
   // The log may go to a pipe whose reader ends first.
   std::signal(SIGPIPE, SIG_IGN);
   setLogHandler(makeConsoleLog());
-  DesktopUi* ui = nullptr;
-  if (options->screenshots || (!options->withoutWindow && displayAnswers())) {
-    ui = loadDesktopUi(problem);
+  if (options->screenshots) {
+    DesktopUi* ui = loadDesktopUi(problem);
     if (ui == nullptr) {
       logger.error("the panel cannot be loaded: " + problem);
+      return failure;
     }
-  } else if (!options->withoutWindow) {
+    setLogHandler({});  // what the simulated engine does is nobody's news
+    return ui->renderScreenshots(*options->screenshots);
+  }
+  const bool hasDesktop = !options->withoutWindow && displayAnswers();
+  if (!hasDesktop && !options->withoutWindow) {
     logger.notice("no display answers: the engine runs without a window; plemoractl controls it");
   }
-  if (options->screenshots) {
-    setLogHandler({});  // what the simulated engine does is nobody's news
-    return ui == nullptr ? failure : ui->renderScreenshots(*options->screenshots);
-  }
-  return Instance(argc, argv, arguments).run(ui, options->opensPanel);
+  return Instance(argc, argv, arguments).run(hasDesktop, options->opensPanel);
 }
