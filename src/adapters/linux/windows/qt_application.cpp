@@ -14,7 +14,9 @@ std::vector<ApplicationWindow> QtApplication::windows() {
 }
 
 void QtApplication::terminate() {
-  QMetaObject::invokeMethod(qGuiApp, &QCoreApplication::quit, Qt::QueuedConnection);
+  // Not quit(): the panel's window refuses to be closed, and so to let the program end.
+  QMetaObject::invokeMethod(
+      qGuiApp, [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
 }
 
 }  // namespace plemora
