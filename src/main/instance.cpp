@@ -19,7 +19,6 @@
 #include "main/process/display_probe.h"
 #include "main/process/ending_signals.h"
 #include "main/process/instance_lock.h"
-#include "main/process/starting_code.h"
 #include "main/program_options.h"
 
 namespace plemora {
@@ -34,7 +33,6 @@ constexpr Logger logger("program");
 
 constexpr int joinDesktopCode = 100;  // of the event loop
 constexpr double openingDelay = 0.3;  // seconds
-constexpr double startingTime = 2;    // seconds, after which the program is at rest
 
 bool isRunning(const QDBusConnection& bus) {
   return bus.isConnected() && bus.interface()->isServiceRegistered(mixerBusName);
@@ -143,7 +141,6 @@ Exit Instance::runEngine(QDBusConnection& bus) {
   LinuxProgram program(arguments_, PLEMORA_VERSION);
   std::unique_ptr<Panel> panel;
   Timer opening;
-  const Timer started = program.mainQueue().after(startingTime, giveBackStartingCode);
   std::optional<MixerAdaptor> adaptor;
   bool hasJoined = false;
   if (bus.isConnected()) {
