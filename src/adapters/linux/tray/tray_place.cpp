@@ -42,8 +42,10 @@ void TrayPlace::clicked(QPoint reported) {
 
 std::optional<QRect> TrayPlace::frame() {
   if (click_) {
-    if (const auto panel = panelAt(*click_)) {
-      return squareIn(panel->rect, *click_);
+    const auto panel = panelAt(*click_);
+    // A panel that has become shorter with its screen still ends with the tray.
+    if (const auto shown = panel ? panel : panelInLine(*click_)) {
+      return squareIn(shown->rect, *click_);
     }
     return QRect(click_->x() - usualThickness / 2, click_->y() - usualThickness / 2, usualThickness,
                  usualThickness);
@@ -78,6 +80,20 @@ std::optional<TrayPlace::Panel> TrayPlace::panelAt(QPoint point) {
     }
   }
   return found;
+}
+
+std::optional<TrayPlace::Panel> TrayPlace::panelInLine(QPoint point) {
+  if (x11_) {
+    for (const xcb_window_t window : x11_->docks()) {
+      const auto rect = x11_->shownRect(window);
+      if (rect && (rect->width() >= rect->height()
+                       ? point.y() >= rect->top() && point.y() <= rect->bottom()
+                       : point.x() >= rect->left() && point.x() <= rect->right())) {
+        return Panel{window, *rect};
+      }
+    }
+  }
+  return std::nullopt;
 }
 
 std::optional<TrayPlace::Panel> TrayPlace::anyPanel() {

@@ -35,6 +35,8 @@ class TrayPlace {
     QRect rect;
   };
   std::optional<Panel> panelAt(QPoint point);
+  /// One beyond whose end the point lies.
+  std::optional<Panel> panelInLine(QPoint point);
   std::optional<Panel> anyPanel();
 
   X11Link* x11_;
