@@ -54,7 +54,11 @@ Desk::Desk(const DeskSetup& setup)
   const std::filesystem::path settings = session_.directory() + "/config/lxqt";
   std::filesystem::create_directories(settings);
   std::ofstream(settings / "panel.conf") << barSettings;
-  session_.createSinks(256);
+  session_.createSinks(1024);
+  accessibility_ = std::make_unique<ChildProcess>(
+      ChildOptions{{"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"},
+                   environment(),
+                   session_.directory() + "/accessibility.log"});
   startTray();
 }
 
@@ -100,11 +104,16 @@ QRect Desk::bar() {
 
 QRect Desk::icon() {
   const QRect place = bar();
-  return {place.right() + 1 - place.height(), 0, place.height(), place.height()};
+  const QRect square(place.right() + 1 - place.height(), 0, place.height(), place.height());
+  // trayer has a border of its own, which the icon knows; a bus item takes the whole bar for it.
+  return host_ == TrayHost::trayer ? square.adjusted(1, 1, -1, -1) : square;
 }
 
 bool Desk::showsIcon() {
   return eventually(patience, [this] {
+    if (bar().isEmpty()) {
+      return false;
+    }
     const QRect place = icon().adjusted(4, 4, -4, -4);
     const unsigned corner = display_.pixel(place.topLeft());
     for (int x = place.left(); x <= place.right(); ++x) {
@@ -174,8 +183,15 @@ bool Desk::closes() {
   return eventually(patience, [this] { return !panel().has_value(); });
 }
 
-bool Desk::restsUnderIcon(int height) {
-  return eventually(patience, [&] { return panel() == placeUnderIcon(height); });
+testing::AssertionResult Desk::restsUnderIcon(int height) {
+  const bool rests = eventually(patience, [&] { return panel() == placeUnderIcon(height); });
+  const auto text = [](const QRect& frame) {
+    return std::to_string(frame.width()) + "x" + std::to_string(frame.height()) + "+" +
+           std::to_string(frame.x()) + "+" + std::to_string(frame.y());
+  };
+  return (rests ? testing::AssertionSuccess() : testing::AssertionFailure())
+         << "the panel is at " << text(panel().value_or(QRect())) << ", its place is "
+         << text(placeUnderIcon(height));
 }
 
 std::vector<Control> Desk::controls() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QPoint>
 #include <QRect>
 #include <functional>
@@ -71,7 +73,7 @@ class Desk {
   bool opens();
   bool closes();
   /// Whether the panel comes to rest with this height in its place.
-  bool restsUnderIcon(int height);
+  testing::AssertionResult restsUnderIcon(int height);
   /// Shown windows of the program, the panel included.
   std::vector<QRect> windows();
 
@@ -95,6 +97,7 @@ class Desk {
   TrayHost host_;
   PrivateSession session_;
   XDisplay display_;
+  std::unique_ptr<ChildProcess> accessibility_;
   std::unique_ptr<ChildProcess> tray_;
   std::unique_ptr<ProgramUnderTest> plemora_;
   std::unique_ptr<ChildProcess> reader_;

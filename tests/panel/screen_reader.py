@@ -47,7 +47,9 @@ def program(process):
     """The program's own root, as it is now: nothing that was heard of it before counts."""
     while GLib.MainContext.default().iteration(False):
         pass
-    for item in children(Atspi.get_desktop(0)):
+    desktop = Atspi.get_desktop(0)
+    desktop.clear_cache()
+    for item in children(desktop):
         if item.get_process_id() == process:
             item.clear_cache()
             return item

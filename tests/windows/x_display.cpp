@@ -232,6 +232,9 @@ std::vector<std::uint32_t> XDisplay::property(xcb_window_t window, const std::st
   const auto cookie =
       xcb_get_property(xcb_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 64);
   const X11Owned<xcb_get_property_reply_t> reply(xcb_get_property_reply(xcb_, cookie, nullptr));
+  if (!reply) {
+    return {};  // the window has gone
+  }
   const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
   return {values, values + xcb_get_property_value_length(reply.get()) / 4};
 }
