@@ -53,10 +53,11 @@ function(plemora_program target)
   target_link_libraries(${target} PRIVATE plemora_options ${ARG_LINKS})
 endfunction()
 
-# plemora_test(<target> SOURCES <files> LINKS <targets> [TIMEOUT <seconds>] [SERIAL] [LABELS <labels>])
-# Every test case becomes a test of its own in CTest. SERIAL ones never run beside others.
+# plemora_test(<target> SOURCES <files> LINKS <targets> [TIMEOUT <seconds>] [SERIAL] [LABEL <label>])
+# Every test case becomes a test of its own in CTest. SERIAL ones never run beside others. (One label
+# only: a list among the properties would be read as further properties.)
 function(plemora_test target)
-  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "SERIAL" "TIMEOUT;LABEL" "SOURCES;LINKS" ${ARGN})
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 60)
   endif()
@@ -72,21 +73,19 @@ function(plemora_test target)
   if(ARG_SERIAL)
     list(APPEND properties RUN_SERIAL TRUE)
   endif()
-  if(ARG_LABELS)
-    list(APPEND properties LABELS "${ARG_LABELS}")
+  if(ARG_LABEL)
+    list(APPEND properties LABELS ${ARG_LABEL})
   endif()
   if(PLEMORA_SANITIZE MATCHES "address")
     list(APPEND properties ENVIRONMENT
-      "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
-      # The module of the desktop holds parts of the engine again; the program's come first.
-      "ASAN_OPTIONS=detect_odr_violation=0")
+      "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0")
   elseif(PLEMORA_SANITIZE MATCHES "thread")
     # Qt, libdbus and libpipewire are not instrumented: what they lock and hand over is invisible to
     # the sanitizer.
     set(options "print_suppressions=0")
     # Qt and libdbus lock in ways that the sanitizer cannot see. The lock of the sound server's loop
     # it can, as long as it looks into the library.
-    if(NOT "pipewire" IN_LIST ARG_LABELS)
+    if(NOT ARG_LABEL STREQUAL "pipewire")
       string(APPEND options ":ignore_noninstrumented_modules=1")
     endif()
     list(APPEND properties ENVIRONMENT
