@@ -148,8 +148,8 @@ TEST_P(TapAtQuantum, PausingAndResumingKeepsTheGain) {
   const std::size_t wrong = framesAbove(heard, 0.25 * quarter + 1e-6);
   std::printf("pause and resume, quantum %d: %zu frames at the wrong gain in %d rounds\n",
               GetParam(), wrong, rounds);
-  // The server gives a resumed stream's buffers to the sink at once and to a filter by a message: on
-  // a busy machine the filter has them one cycle late.
+  // The server gives a resumed stream's buffers to the sink at once and to a filter by a message:
+  // on a busy machine the filter has them one cycle late.
   EXPECT_LE(wrong, static_cast<std::size_t>(rounds * GetParam()));
   EXPECT_EQ(heard[0].back(), 0.25f * quarter);
 }
