@@ -18,7 +18,8 @@ constexpr double connectionPatience = 2.0;
 }  // namespace
 
 LinuxProgram::LinuxProgram(const std::vector<std::string>& arguments, std::string version)
-    : defaults_(FileDefaults::defaultFile(), arguments,
+    : system_("/", version),
+      defaults_(FileDefaults::defaultFile(), arguments,
                 queues_.makeQueue("com.quorvane.mixer.settings")),
       workspace_(DesktopPaths::fromEnvironment(), clients_),
       audio_(mainQueue_, *clients_),

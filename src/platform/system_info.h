@@ -28,6 +28,16 @@ class SystemInfo {
   /// Of the operating system; {0, 0, 0} when it cannot be read.
   virtual SystemVersion version() = 0;
 
+  /// The same as a text for people, build included, such as "Version 26.4 (Build 25E246)".
+  virtual std::string operatingSystemVersionString() = 0;
+
+  /// CFBundleVersion of the program; none when it has none.
+  virtual std::optional<std::string> bundleVersion() = 0;
+
+  /// When the content of the program's executable changed last, in seconds since 1970; none when
+  /// that cannot be read.
+  virtual std::optional<double> executableModificationDate() = 0;
+
   /// Where this copy of the program lies: its bundle, or the file that was started.
   virtual std::string bundlePath() = 0;
 };

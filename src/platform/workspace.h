@@ -52,6 +52,9 @@ class Workspace {
   /// Opens a URL with whatever the desktop has for it. The links of the Mac's settings are mapped
   /// to the desktop's own. False when nothing could be started.
   virtual bool openURL(const std::string& url) = 0;
+
+  /// Ends an application without asking it. False when it does not run or cannot be ended.
+  virtual bool forceTerminate(std::int32_t pid) = 0;
 };
 
 }  // namespace plemora

@@ -21,10 +21,14 @@ ROOMS = {
     "audio": ["audio/objects", "audio/render", "devices"],
     "skin/look": ["platform"],
     "app/services": ["platform"],
-    "menubar": ["audio", "devices", "skin/look", "app/services"],
+    "controlcenter": ["platform"],
+    "menubar": ["audio", "devices", "controlcenter", "skin/look", "app/services"],
+    "app": ["menubar"],
     "glass": ["skin/look"],
     "views": ["menubar", "glass"],
+    "adapters/files": ["platform"],
     "adapters/stage": ["audio"],
+    "adapters/stage/desktop": ["adapters/stage"],
     "adapters/linux/desktop": ["audio"],
     "adapters/linux/pipewire": ["audio", "adapters/linux/desktop"],
     "adapters/linux/dbus": ["audio"],
@@ -33,24 +37,43 @@ ROOMS = {
     "main/process": [],
     "main/ctl": ["adapters/linux/dbus", "main/process"],
     "main/gallery": ["adapters/stage", "views"],
-    "main": ["main/ctl", "main/process", "adapters/linux/pipewire"],
+    "main/stage": [
+        "app",
+        "views",
+        "main/process",
+        "main/gallery",
+        "adapters/files",
+        "adapters/stage/desktop",
+        "adapters/linux/pipewire",
+    ],
+    "main": [
+        "main/ctl",
+        "main/process",
+        "controlcenter",
+        "adapters/files",
+        "adapters/linux/pipewire",
+    ],
     "main/ui": ["main", "main/gallery", "adapters/linux/windows", "adapters/linux/tray"],
 }
 
 # Rooms that know nothing of an operating system or a toolkit: the C++ standard library (names
 # without a dot or a slash, none of which begins with a capital) and what is listed here.
 PORTABLE = {
-    "base": set(),
+    "base": {"plist/plist.h"},
     "platform": set(),
     "audio/objects": set(),
     "audio/render": {"arm_neon.h", "emmintrin.h", "immintrin.h"},
     "devices": set(),
     "skin/look": set(),
     "app/services": set(),
+    "controlcenter": {"nlohmann/json.hpp"},
     "menubar": set(),
+    "app": set(),
     "glass": {"arm_neon.h", "emmintrin.h", "immintrin.h"},
     "audio": {"nlohmann/json.hpp"},
+    "adapters/files": {"nlohmann/json.hpp", "plist/plist.h"},
     "adapters/stage": {"nlohmann/json.hpp"},
+    "adapters/stage/desktop": {"nlohmann/json.hpp", "plist/plist.h"},
 }
 
 INCLUDE = re.compile(r'^\s*#\s*(?:include|import)\s*([<"])([^>"]+)[>"]', re.MULTILINE)

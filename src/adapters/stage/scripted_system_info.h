@@ -14,6 +14,9 @@ class ScriptedSystemInfo : public SystemInfo {
   bool battery = false;
   SystemVersion systemVersion{26, 4, 0};
   std::string path = "/Applications/Plemora.app";
+  std::string versionString = "Version 26.4 (Build 25E246)";
+  std::optional<std::string> build = "1";
+  std::optional<double> executableDate = 1'790'000'000.25;
   int modelReads = 0;
   int batteryReads = 0;
 
@@ -26,6 +29,9 @@ class ScriptedSystemInfo : public SystemInfo {
     return battery;
   }
   SystemVersion version() override { return systemVersion; }
+  std::string operatingSystemVersionString() override { return versionString; }
+  std::optional<std::string> bundleVersion() override { return build; }
+  std::optional<double> executableModificationDate() override { return executableDate; }
   std::string bundlePath() override { return path; }
 };
 

@@ -42,4 +42,16 @@ std::optional<InstalledApplication> ScriptedWorkspace::installedApplication(
   return found == installed_.end() ? std::nullopt : std::optional(found->second);
 }
 
+bool ScriptedWorkspace::forceTerminate(std::int32_t pid) {
+  const auto application = runningApplication(pid);
+  if (!application) {
+    return false;
+  }
+  quit(pid);
+  if (onForceTerminate) {
+    onForceTerminate(*application);
+  }
+  return true;
+}
+
 }  // namespace plemora

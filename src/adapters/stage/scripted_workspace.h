@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -19,6 +20,7 @@ class ScriptedWorkspace : public Workspace {
   std::optional<RunningApplication> runningApplication(std::int32_t pid) override;
   std::vector<RunningApplication> runningApplications() override;
   std::optional<std::int32_t> responsiblePid(std::int32_t pid) override;
+  bool forceTerminate(std::int32_t pid) override;
   std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
   Image genericApplicationIcon() override { return {"application-x-executable"}; }
   bool openURL(const std::string& url) override {
@@ -26,6 +28,8 @@ class ScriptedWorkspace : public Workspace {
     return true;
   }
 
+  /// Told of an application that was ended; it has left the list by then.
+  std::function<void(const RunningApplication&)> onForceTerminate;
   std::vector<std::string> openedURLs;
 
  private:

@@ -1,5 +1,7 @@
 #include "adapters/linux/desktop/linux_system_info.h"
 
+#include <sys/stat.h>
+
 #include <fstream>
 #include <iterator>
 #include <system_error>
@@ -24,7 +26,8 @@ std::string firstLine(const fs::path& file) {
 
 }  // namespace
 
-LinuxSystemInfo::LinuxSystemInfo(fs::path root) : root_(std::move(root)) {}
+LinuxSystemInfo::LinuxSystemInfo(fs::path root, std::optional<std::string> bundleVersion)
+    : root_(std::move(root)), bundleVersion_(std::move(bundleVersion)) {}
 
 std::optional<std::string> LinuxSystemInfo::hardwareModel() {
   for (const char* file : {"sys/class/dmi/id/product_name", "sys/firmware/devicetree/base/model"}) {
@@ -38,6 +41,28 @@ std::optional<std::string> LinuxSystemInfo::hardwareModel() {
 std::string LinuxSystemInfo::bundlePath() {
   std::error_code error;
   return fs::read_symlink(root_ / "proc/self/exe", error).string();
+}
+
+std::string LinuxSystemInfo::operatingSystemVersionString() {
+  std::ifstream release(root_ / "etc/os-release");
+  constexpr std::string_view key = "PRETTY_NAME=";
+  for (std::string line; std::getline(release, line);) {
+    if (line.starts_with(key)) {
+      std::string name = line.substr(key.size());
+      std::erase(name, '"');
+      return name;
+    }
+  }
+  return "Linux";
+}
+
+std::optional<double> LinuxSystemInfo::executableModificationDate() {
+  struct stat status = {};
+  if (::stat((root_ / "proc/self/exe").c_str(), &status) != 0) {
+    return std::nullopt;
+  }
+  return static_cast<double>(status.st_mtim.tv_sec) +
+         static_cast<double>(status.st_mtim.tv_nsec) / 1e9;
 }
 
 bool LinuxSystemInfo::hasInternalBattery() {

@@ -1,5 +1,7 @@
 #include "adapters/linux/desktop/linux_workspace.h"
 
+#include <signal.h>
+
 #include <set>
 #include <utility>
 
@@ -66,6 +68,10 @@ std::optional<InstalledApplication> LinuxWorkspace::installedApplication(
 
 Image LinuxWorkspace::genericApplicationIcon() {
   return Image{"application-x-executable"};
+}
+
+bool LinuxWorkspace::forceTerminate(std::int32_t pid) {
+  return runningApplication(pid).has_value() && ::kill(pid, SIGKILL) == 0;
 }
 
 bool LinuxWorkspace::openURL(const std::string& url) {

@@ -36,6 +36,7 @@ class LinuxWorkspace : public Workspace {
   std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
   Image genericApplicationIcon() override;
   bool openURL(const std::string& url) override;
+  bool forceTerminate(std::int32_t pid) override;
 
  private:
   std::shared_ptr<const ClientDirectory> clients_;
