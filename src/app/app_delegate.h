@@ -1,0 +1,96 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "controlcenter/control_center_primer.h"
+#include "controlcenter/delayed_work.h"
+#include "controlcenter/tile_signal.h"
+#include "menubar/menu_bar_services.h"
+#include "menubar/status_item_controller.h"
+
+namespace plemora {
+
+class Accessibility;
+class ControlCenterLayout;
+class ControlCenterLocator;
+class ControlReload;
+class DarwinNotifications;
+class LaunchAtLogin;
+class SystemInfo;
+
+/// The world as the whole program needs it. All of it outlives the AppDelegate.
+struct AppServices {
+  MenuBarServices menuBar;
+  ControlCenterLayout& layout;
+  const ControlCenterLocator& locator;
+  Accessibility& accessibility;
+  DarwinNotifications& notifications;
+  ControlReload& controlReload;
+  SystemInfo& system;
+  LaunchAtLogin& launchAtLogin;
+  std::vector<std::string> arguments;  ///< of the command line, without the program's name
+
+  /// The mixer: a new one, or the one that the process has already. Called once.
+  std::function<std::shared_ptr<MixerModel>()> makeModel;
+  /// See StatusItemController.
+  StatusItemController::MakeContent makeContent;
+  /// Writes a line to the standard output; the line end is not part of the text.
+  std::function<void(const std::string&)> print;
+  /// Ends the process with that status, without applicationWillTerminate. May return, in a world
+  /// that ends the process in its own time; the delegate then goes no further.
+  std::function<void(int)> exit;
+};
+
+/// The program's own logic from its start to its end: makes the long-lived objects in a fixed order
+/// and wires them, keeps the program's control in its place in Control Center across updates,
+/// understands launch arguments and URLs, and puts the system's Sound module back when the program
+/// quits. Main thread; what it has put off is dropped when it goes.
+class AppDelegate {
+ public:
+  explicit AppDelegate(AppServices services);
+  ~AppDelegate();
+  AppDelegate(const AppDelegate&) = delete;
+  AppDelegate& operator=(const AppDelegate&) = delete;
+
+  /// Called once, first of all.
+  void applicationDidFinishLaunching();
+  /// URLs of the program's scheme that the desktop hands over, also while the program starts.
+  void applicationOpen(const std::vector<std::string>& urls);
+  /// The user has started the running program again. False: nothing else is to be done about it.
+  bool applicationShouldHandleReopen(bool hasVisibleWindows);
+  /// Called last, when the program ends in the orderly way.
+  void applicationWillTerminate();
+
+  /// Null until start-up has made them.
+  MixerModel* model() { return model_.get(); }
+  StatusItemController* statusItem() { return statusItem_.get(); }
+
+ private:
+  void startApp();
+  bool keepReplacement();
+  bool isReplacementWhole() const;
+  bool refreshTilesAfterUpdate();
+  void primeAfterSystemUpdate();
+  void tilePressed();
+  bool runScript();
+  void handleArguments();
+
+  void openLater(double delay, StatusItemController::Anchor from);
+  void reloadControlsLater();
+  bool isSet(const std::string& key) const;
+  bool hasArgument(const std::string& argument) const;
+  std::string tileStamp() const;
+
+  const AppServices services_;
+  ControlCenterPrimer primer_;
+  TileSignal tileSignal_;
+  std::shared_ptr<MixerModel> model_;
+  std::unique_ptr<StatusItemController> statusItem_;
+  bool hasRestartedControlCenter_ = false;  // in this start-up
+  DelayedWork later_;                       // the first to go
+};
+
+}  // namespace plemora
