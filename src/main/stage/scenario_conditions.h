@@ -1,0 +1,79 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace plemora {
+
+/// The mixer panel. What is none is not looked at.
+struct PanelCondition {
+  std::optional<bool> isOpen;
+  /// The item of the menu bar below whose middle it hangs: the program's own, or Control Center's.
+  enum class Under { statusItem, controlCenter };
+  std::optional<Under> under;
+  std::vector<std::string> shows;  ///< titles of rows
+  std::vector<std::string> lacks;
+};
+
+/// One tile of Control Center's grid.
+struct TileCondition {
+  std::string name;
+  std::optional<int> column, row;
+  std::optional<std::string> size;  ///< such as "rect2x1"
+};
+
+struct ControlCenterCondition {
+  std::optional<bool> isOpen;
+  std::optional<bool> isEditing;
+  /// Of which there are just so many; the others of the grid may be there or not.
+  std::vector<TileCondition> tiles;
+  std::vector<std::string> lacks;  ///< names of tiles
+  /// How often it has been launched since the curtain rose.
+  std::optional<int> launches;
+};
+
+struct LevelCondition {
+  std::optional<double> volume;  ///< 0...1, to a hundredth
+  std::optional<bool> isMuted;
+  std::optional<std::string> output;  ///< UID
+};
+
+struct DefaultDeviceCondition {
+  std::optional<std::string> uid;
+  std::optional<double> volume;
+  std::optional<bool> isMuted;
+};
+
+/// All that a step may expect at once; every part of it must hold.
+struct ScenarioConditions {
+  std::map<std::string, bool> isRunning;  ///< by the name of the program
+  std::optional<PanelCondition> panel;
+  std::optional<ControlCenterCondition> controlCenter;
+
+  /// Settings of the program; monostate: absent.
+  std::map<std::string, std::variant<std::monostate, bool, std::string>> defaults;
+  std::optional<std::string> preferencesAs;     ///< byte for byte those remembered by that name
+  std::optional<std::string> preferencesNotAs;  ///< any of the two values differs
+  std::optional<bool> hasBackup;
+
+  std::optional<std::vector<std::string>> devices;  ///< names, in any order
+  std::optional<DefaultDeviceCondition> defaultDevice;
+  std::map<std::string, LevelCondition> levels;  ///< by the name of the app
+
+  /// Titles of the menu that is open.
+  struct Menu {
+    std::optional<bool> isOpen;
+    std::vector<std::string> shows, lacks;
+  };
+  std::optional<Menu> menu;
+  std::optional<std::string> settingsPane;  ///< the one that System Settings shows; empty: none
+  std::optional<std::vector<std::string>> dock;  ///< names, in any order
+
+  std::optional<std::string> printed;  ///< by the program since it was last started, line by line
+  std::optional<int> reloads;          ///< requests to reload the controls, since the curtain rose
+};
+
+}  // namespace plemora
