@@ -29,7 +29,7 @@ void StageSurface::setLayer(std::shared_ptr<Layer> value) {
 }
 
 StageWindow::StageWindow(StageWindows& owner, const PanelWindowOptions& windowOptions)
-    : options(windowOptions), owner_(&owner), surface_(owner.queue_) {}
+    : options(windowOptions), number(owner.nextNumber()), owner_(&owner), surface_(owner.queue_) {}
 
 StageWindow::~StageWindow() {
   if (owner_ != nullptr) {
@@ -54,6 +54,13 @@ void StageWindow::order(WindowOrder order) {
   if (order == WindowOrder::keyAndFront && options.canBecomeKey) {
     isKey = true;
   }
+}
+
+void StageWindow::pressed() {
+  if (owner_ != nullptr) {
+    owner_->bringForward(this);
+  }
+  isKey = isKey || options.canBecomeKey;
 }
 
 std::optional<int> StageWindow::screen() {
@@ -96,6 +103,7 @@ std::unique_ptr<PanelWindow> StageWindows::makePanel(const PanelWindowOptions& o
 void StageWindows::bringForward(StageWindow* window) {
   std::erase(stack_, window);
   stack_.push_back(window);
+  window->forwardOrder_ = nextNumber();
 }
 
 }  // namespace plemora

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -48,11 +50,16 @@ class StageWindow : public PanelWindow {
   ~StageWindow() override;
 
   const PanelWindowOptions options;
+  const std::int64_t number;        ///< never used again
   std::vector<WindowOrder> orders;  ///< in order of their calls
   std::vector<Rect> frames;         ///< every frame set, in order
   bool isKey = false;
 
   StageSurface& stageSurface() { return surface_; }
+  /// When it came forward last, counted as the numbers are; 0: never.
+  std::int64_t forwardOrder() const { return forwardOrder_; }
+  /// The user presses into it: it comes forward among its level, and takes the keys if it can.
+  void pressed();
 
   Rect frame() override { return frame_; }
   void setFrame(const Rect& frame) override;
@@ -71,6 +78,7 @@ class StageWindow : public PanelWindow {
   Rect frame_;
   double alpha_ = 1;
   bool isOnScreen_ = false;
+  std::int64_t forwardOrder_ = 0;
 };
 
 /// The windows of the stage. Main thread; queue and screens outlive it.
@@ -86,6 +94,10 @@ class StageWindows : public Windows {
   /// Those on screen, from back to front: by level, then in the order in which they came forward.
   std::vector<StageWindow*> visible() const;
   int made() const { return made_; }
+
+  /// What counts the numbers of windows and the times that they come forward, for who has more
+  /// windows than these.
+  std::function<std::int64_t()> nextNumber = [last = std::int64_t{0}]() mutable { return ++last; };
 
   [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
 

@@ -1,0 +1,157 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "adapters/stage/desktop/stage_control_panel.h"
+#include "adapters/stage/desktop/stage_fade.h"
+#include "adapters/stage/desktop/stage_space.h"
+#include "adapters/stage/desktop/stage_status_item.h"
+#include "adapters/stage/desktop/stage_tile_grid.h"
+#include "adapters/stage/desktop/stage_window_record.h"
+#include "platform/clock.h"
+#include "platform/main_queue.h"
+#include "platform/preferences.h"
+
+namespace plemora {
+
+class SimulatedHal;
+class StageAccessibility;
+class StageMenuBar;
+class StageWorkspace;
+
+/// What Control Center stands on. All of it outlives it.
+struct StageControlCenterServices {
+  MainQueue& mainQueue;
+  Clock& clock;
+  Screens& screens;
+  Preferences& preferences;
+  StageWorkspace& workspace;
+  StageMenuBar& menuBar;
+  StageAccessibility& accessibility;
+  StageWindowNumbers& numbers;
+  StageExtensions& extensions;
+  SimulatedHal& hal;
+};
+
+/// How Control Center falls short of what it should be. Seconds.
+struct StageControlCenterFaults {
+  double openDelay = 0;  ///< from the press on its icon to its panel
+  double editDelay = 0;  ///< from the press on its edit button to edit mode, both ways
+  bool ignoresEditButton = false;
+  bool staysDown = false;    ///< once ended, it is not started again
+  double relaunchDelay = 1;  ///< from its end to its next start
+};
+
+/// The system's Control Center: a process that reads its layout when it starts, shows it in a panel
+/// below its icon, and lets the user edit it. Killed, it is back a moment later. Main thread.
+class StageControlCenter : public StageWindowOwner {
+ public:
+  static constexpr const char* bundleID = "com.apple.controlcenter";
+  static constexpr const char* processName = "Control Center";
+  static constexpr int windowLevel = 26;
+  static constexpr double fadeInDuration = 0.2;  ///< seconds
+  static constexpr double fadeOutDuration = 0.25;
+
+  explicit StageControlCenter(const StageControlCenterServices& services);
+  ~StageControlCenter() override;
+  StageControlCenter(const StageControlCenter&) = delete;
+  StageControlCenter& operator=(const StageControlCenter&) = delete;
+
+  StageControlCenterFaults faults;
+
+  /// Starts the process. The controls of the first layout ever read count as known.
+  void launch();
+  /// Ends it as a signal would.
+  void kill();
+  bool isRunning() const { return pid_ >= 0; }
+  std::int32_t pid() const { return pid_; }  ///< -1: it does not run
+  int launches() const { return launches_; }
+  /// As a system update does it: no third party's control is shown until edit mode was left again.
+  void forgetControls() { known_.clear(); }
+
+  // What the user does. Nothing happens when it cannot be done.
+  void open();
+  void close();
+  void toggle() { isOpen() ? close() : open(); }
+  void pressEditButton();
+  void pressTile(const std::string& id);
+  bool removeTile(const std::string& id);
+  bool moveTile(const std::string& id, int column, int row);
+  bool resizeTile(const std::string& id, std::string_view size);
+  bool addGalleryEntry(std::size_t index);
+
+  // What there is to be seen.
+  bool isOpen() const { return phase_ == Phase::open; }
+  /// Also while it fades away.
+  bool isOnScreen() const { return phase_ != Phase::closed; }
+  bool isEditing() const { return isEditing_; }
+  double alpha() const;  ///< of its panel; 0 while there is none
+  StageControlPanel panel() const;
+  const StageTileGrid& grid() const { return grid_; }
+  /// Tiles whose content it shows; a third party's new control is not among them.
+  std::vector<StageTile> shownTiles() const;
+  bool isShown(const StageTile& tile) const;
+  /// Whether the tile of a module is switched on, such as that of "Wi-Fi".
+  bool isOn(const std::string& module) const { return !off_.contains(module); }
+  /// Of Sound: volume of the default output; of Display: brightness. 0...1.
+  double sliderValue(const StageTile& tile) const;
+  /// Id of the tile on its way in the user's hand, and where its top left corner is (global, y up).
+  const std::optional<std::pair<std::string, Point>>& dragged() const { return dragged_; }
+  /// Names of what the gallery of edit mode has to add: modules without a tile, then controls.
+  std::vector<std::string> gallery() const;
+  /// Why the stored layout is not the one it shows; empty: it is.
+  const std::string& layoutProblem() const { return layoutProblem_; }
+  /// Whether the user's last edit could be stored.
+  bool couldStore() const { return couldStore_; }
+
+  void appendWindows(std::vector<StageWindowRecord>& windows) override;
+  void pointer(const StageWindowRecord& window, const StagePointerEvent& event) override;
+  void pressedElsewhere(const StageWindowRecord* hit) override;
+  std::int64_t keyOrder() override { return isOpen() ? order_ : 0; }
+  void key(const StageKeyEvent& event) override;
+
+ private:
+  enum class Phase { closed, open, closing };
+
+  void readLayout();
+  void store();
+  void setEditing(bool isEditing);
+  void leave();
+  void pressed(const Point& location);
+  void setSlider(const StageTile& tile, double value);
+
+  const StageControlCenterServices services_;
+  StageSpace space_;
+  std::int32_t pid_ = -1;
+  int launches_ = 0;
+  std::shared_ptr<StageStatusItem> icon_;
+  std::vector<std::shared_ptr<StageStatusItem>> extras_;
+  StageTileGrid grid_;
+  std::string layoutProblem_;
+  bool couldStore_ = true;
+  std::set<std::string>
+      known_;  // ids of third parties' tiles that may be shown; survives the process
+  std::set<std::string> off_;
+  double brightness_ = 0.8;
+
+  Phase phase_ = Phase::closed;
+  bool isEditing_ = false;
+  std::int64_t order_ = 0;
+  std::int64_t panelNumber_ = 0;
+  std::vector<std::int64_t> editNumbers_;
+  StageFade fade_;
+  std::optional<std::pair<std::string, Point>> dragged_;
+  Point grip_;                          // of the dragged tile, from its top left corner
+  std::optional<std::string> sliding_;  // id of the tile whose slider is held
+  Timer opening_;
+  Timer closing_;
+  Timer editing_;
+  Timer relaunch_;
+};
+
+}  // namespace plemora
