@@ -1,11 +1,11 @@
 #include "adapters/linux/desktop/settings_file.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <exception>
 #include <stdexcept>
 #include <utility>
 
+#include "base/base64.h"
 #include "base/text.h"
 
 namespace plemora {
@@ -16,47 +16,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* encodedMember = "base64";
 constexpr int deepestNesting = 100;  // writing goes down recursively
-
-constexpr std::string_view digits =
-    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-
-std::string encodeBase64(std::string_view bytes) {
-  std::string text;
-  for (std::size_t i = 0; i < bytes.size(); i += 3) {
-    std::uint32_t group = 0;
-    for (std::size_t k = 0; k < 3; ++k) {
-      group = group << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k]) : 0U);
-    }
-    for (std::size_t k = 0; k < 4; ++k) {
-      text += i + k <= bytes.size() ? digits[group >> (18 - 6 * k) & 63] : '=';
-    }
-  }
-  return text;
-}
-
-std::optional<std::string> decodeBase64(std::string_view text) {
-  if (text.size() % 4 != 0) {
-    return std::nullopt;
-  }
-  const std::size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
-  text.remove_suffix(padding);
-  std::string bytes;
-  std::uint32_t held = 0;
-  int bits = 0;
-  for (const char character : text) {
-    const std::size_t digit = digits.find(character);
-    if (digit == std::string_view::npos) {
-      return std::nullopt;
-    }
-    held = held << 6 | static_cast<std::uint32_t>(digit);
-    bits += 6;
-    if (bits >= 8) {
-      bits -= 8;
-      bytes += static_cast<char>(held >> bits & 0xff);
-    }
-  }
-  return bytes;
-}
 
 bool isUtf8(std::string_view text) {
   // nlohmann's strict writer refuses exactly what is no UTF-8.
