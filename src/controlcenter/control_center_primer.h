@@ -59,20 +59,22 @@ class ControlCenterPrimer {
   AccessibilityElementPointer editButton() const;
 
  private:
-  bool isRunning() const;
+  struct Wait;
+
   void openPanel();
   void enterEditMode();
-  void leaveEditMode();
-  void fail();
-  void finish(bool succeeded, double delay);
+  void leaveEditMode(const AccessibilityElementPointer& button);
+  void giveUp();
+  void finish(bool succeeded);
+  void pressMenuItem();
+  void poll(const std::shared_ptr<Wait>& wait);
 
   const ControlCenterLocator& locator_;
   Accessibility& accessibility_;
   Workspace& workspace_;
   Clock& clock_;
   DelayedWork steps_;
-  AccessibilityElementPointer button_;  // of the running chain
-  std::vector<Done> waiting_;           // empty: no chain runs
+  std::vector<Done> waiting_;  // empty: no chain runs
 };
 
 }  // namespace plemora

@@ -4,14 +4,15 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace plemora {
 
 /// Scheme of the program's URLs.
 inline constexpr std::string_view mixerURLScheme = "com.quorvane.mixer";
 
-/// Whether a text, such as an argument of the command line, is meant as a URL of the program.
-bool isMixerURL(std::string_view text);
+/// Those arguments of a command line that are meant as URLs of the program, in order.
+std::vector<std::string> mixerURLs(std::span<const std::string> arguments);
 
 /// What URLs of the program ask for: to show the mixer panel.
 struct PanelRequest {
