@@ -19,12 +19,14 @@ class ControlCenterLocator;
 class ControlReload;
 class DarwinNotifications;
 class LaunchAtLogin;
+class Preferences;
 class SystemInfo;
 
 /// The world as the whole program needs it. All of it outlives the AppDelegate.
 struct AppServices {
   MenuBarServices menuBar;
   ControlCenterLayout& layout;
+  Preferences& preferences;  ///< those that the layout is kept in
   const ControlCenterLocator& locator;
   Accessibility& accessibility;
   DarwinNotifications& notifications;
@@ -70,14 +72,15 @@ class AppDelegate {
 
  private:
   void startApp();
-  bool keepReplacement();
+  void makeStatusItem();
   bool isReplacementWhole() const;
+  bool repairReplacement();
   bool refreshTilesAfterUpdate();
   void primeAfterSystemUpdate();
-  void tilePressed();
   bool runScript();
   void handleArguments();
 
+  void prime(ControlCenterPrimer::Absence absence, std::function<void()> then = {});
   void openLater(double delay, StatusItemController::Anchor from);
   void reloadControlsLater();
   bool isSet(const std::string& key) const;
@@ -89,7 +92,7 @@ class AppDelegate {
   TileSignal tileSignal_;
   std::shared_ptr<MixerModel> model_;
   std::unique_ptr<StatusItemController> statusItem_;
-  bool hasRestartedControlCenter_ = false;  // in this start-up
+  bool hasRestartedControlCenter_ = false;  // a moment ago, in this start-up
   DelayedWork later_;                       // the first to go
 };
 
