@@ -1,0 +1,137 @@
+#include "main/stage/content_renderer.h"
+
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QFocusEvent>
+#include <QInputEvent>
+#include <QQuickItem>
+#include <QQuickRenderControl>
+#include <QQuickRenderTarget>
+#include <QQuickWindow>
+#include <utility>
+
+namespace plemora {
+
+namespace {
+
+void collect(QAccessibleInterface& node, std::vector<ContentRenderer::Control>& found) {
+  for (int i = 0; i < node.childCount(); ++i) {
+    QAccessibleInterface* child = node.child(i);
+    if (child == nullptr) {
+      continue;
+    }
+    const auto* item = qobject_cast<QQuickItem*>(child->object());
+    const QString name = child->text(QAccessible::Name);
+    if (item != nullptr && !name.isEmpty() && !child->state().invisible) {
+      ContentRenderer::Control control{name.toStdString(),
+                                       item->mapRectToScene(item->boundingRect()), std::nullopt};
+      if (QAccessibleValueInterface* value = child->valueInterface()) {
+        control.value = value->currentValue().toDouble();
+      }
+      found.push_back(std::move(control));
+    }
+    collect(*child, found);
+  }
+}
+
+}  // namespace
+
+ContentRenderer::ContentRenderer(std::function<void()> changed)
+    : changed_(std::move(changed)),
+      // Not initialised: that would ask for a graphics device, which drawing in software has not.
+      control_(std::make_unique<QQuickRenderControl>()),
+      window_(std::make_unique<QQuickWindow>(control_.get())) {
+  window_->setColor(Qt::transparent);
+  QObject::connect(control_.get(), &QQuickRenderControl::renderRequested, window_.get(),
+                   [this] { change(); });
+  QObject::connect(control_.get(), &QQuickRenderControl::sceneChanged, window_.get(),
+                   [this] { change(); });
+}
+
+ContentRenderer::~ContentRenderer() {
+  control_->disconnect(window_.get());
+  setItem(nullptr);
+  control_.reset();  // gives back what the scene holds, so the window must still be there
+}
+
+void ContentRenderer::change() {
+  if (!std::exchange(isStale_, true)) {
+    changed_();
+  }
+}
+
+void ContentRenderer::setItem(QQuickItem* item) {
+  if (item == item_) {
+    return;
+  }
+  if (item_ != nullptr) {
+    item_->setParentItem(nullptr);
+  }
+  item_ = item;
+  if (item_ != nullptr) {
+    item_->setParentItem(window_->contentItem());
+    item_->setSize(window_->contentItem()->size());
+  }
+  change();
+}
+
+void ContentRenderer::setSize(QSize points, double scale) {
+  const QSize pixels = (QSizeF(points) * scale).toSize();
+  if (picture_.size() == pixels && scale_ == scale) {
+    return;
+  }
+  scale_ = scale;
+  picture_ = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+  picture_.fill(Qt::transparent);
+  window_->setGeometry(QRect({0, 0}, points));
+  window_->contentItem()->setSize(points);
+  if (item_ != nullptr) {
+    item_->setSize(points);
+  }
+  picture_.setDevicePixelRatio(scale);
+  auto target = QQuickRenderTarget::fromPaintDevice(&picture_);
+  target.setDevicePixelRatio(scale);
+  window_->setRenderTarget(target);
+  change();
+}
+
+const QImage& ContentRenderer::render() {
+  if (!isStale_ || picture_.isNull()) {
+    return picture_;
+  }
+  control_->polishItems();
+  control_->sync();
+  // What changes from here on shows in the next picture.
+  isStale_ = false;
+  control_->render();
+  return picture_;
+}
+
+std::vector<ContentRenderer::Control> ContentRenderer::controls() const {
+  std::vector<Control> found;
+  if (QAccessibleInterface* root = QAccessible::queryAccessibleInterface(window_.get())) {
+    collect(*root, found);
+  }
+  return found;
+}
+
+bool ContentRenderer::send(QInputEvent& event) {
+  event.setAccepted(false);
+  QCoreApplication::sendEvent(window_.get(), &event);
+  return event.isAccepted();
+}
+
+void ContentRenderer::leave() {
+  QEvent event(QEvent::Leave);
+  QCoreApplication::sendEvent(window_.get(), &event);
+}
+
+void ContentRenderer::setFocused(bool isFocused) {
+  if (isFocused && item_ != nullptr) {
+    item_->setFocus(true, Qt::ActiveWindowFocusReason);
+  }
+  QFocusEvent event(isFocused ? QEvent::FocusIn : QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+  QCoreApplication::sendEvent(window_.get(), &event);
+}
+
+}  // namespace plemora

@@ -1,0 +1,283 @@
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+
+#include "main/stage/desktop_drawing.h"
+#include "main/stage/drawing_parts.h"
+
+namespace plemora {
+
+namespace {
+
+constexpr double cornerRadius = 32;
+
+/// What a module of the system is called and shows.
+struct Face {
+  std::string_view key;  ///< of the module's name, letters alone, in lower case
+  std::string_view title;
+  std::string_view symbol;
+  std::string_view onText;
+};
+
+constexpr Face faces[] = {
+    {"wifi", "Wi-Fi", "wifi", "Home"},
+    {"bluetooth", "Bluetooth", "bluetooth", "On"},
+    {"airdrop", "AirDrop", "airdrop", "Contacts Only"},
+    {"focusmodes", "Focus", "moon.fill", "On"},
+    {"focus", "Focus", "moon.fill", "On"},
+    {"stagemanager", "Stage Manager", "squares.leading.rectangle", "On"},
+    {"screenmirroring", "Screen Mirroring", "rectangle.on.rectangle", "On"},
+    {"display", "Display", "sun.max.fill", ""},
+    {"sound", "Sound", "speaker.wave.3.fill", ""},
+    {"nowplaying", "Now Playing", "music.note", ""},
+    {"musicrecognition", "Music Recognition", "music.note", "On"},
+    {"keyboardbrightness", "Keyboard Brightness", "keyboard", "On"},
+    {"battery", "Battery", "battery.75", "On"},
+    {"timer", "Timer", "timer", ""},
+    {"accessibilityshortcuts", "Accessibility", "accessibility", "On"},
+};
+
+struct TileFace {
+  std::string title;
+  std::string symbol;  // empty: the first letter of the title
+  std::string onText;
+};
+
+std::string lettersOf(std::string_view name) {
+  std::string letters;
+  for (const char letter : name) {
+    if (std::isalpha(static_cast<unsigned char>(letter)) != 0) {
+      letters += static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
+    }
+  }
+  return letters;
+}
+
+TileFace faceOf(const StageTile& tile) {
+  if (tile.control) {
+    const std::string letters = lettersOf(tile.control->displayName + tile.control->kind);
+    std::string symbol;
+    if (letters.find("sound") != letters.npos || letters.find("plemora") != letters.npos) {
+      symbol = "speaker.wave.3.fill";
+    } else if (letters.find("light") != letters.npos || letters.find("lamp") != letters.npos) {
+      symbol = "lightbulb.fill";
+    } else if (letters.find("note") != letters.npos) {
+      symbol = "note.text";
+    } else if (letters.find("timer") != letters.npos) {
+      symbol = "timer";
+    }
+    return {tile.control->displayName, symbol, {}};
+  }
+  const std::string letters = lettersOf(tile.module);
+  const auto* face = std::ranges::find(faces, letters, &Face::key);
+  return face != std::end(faces) ? TileFace{std::string(face->title), std::string(face->symbol),
+                                            std::string(face->onText)}
+                                 : TileFace{tile.module, {}, "On"};
+}
+
+bool isSlider(const StageTile& tile) {
+  return (tile.module == "Sound" || tile.module == "Display") && tile.size.columns > 1;
+}
+
+/// Adds tiles as they are in one state of Control Center.
+class TileDrawing {
+ public:
+  TileDrawing(Drawing& drawing, StageDesktop& desktop)
+      : drawing_(drawing),
+        center_(desktop.controlCenter),
+        space_(desktop.space),
+        palette_(Palette::of(desktop.appearance.isDark())) {}
+
+  /// global: y up.
+  void add(const StageTile& tile, const Rect& global) {
+    const Rect rect = space_.flipped(global);
+    const TileFace face = faceOf(tile);
+    const bool isOn = !tile.control && center_.isOn(tile.module);
+    if (tile.size.columns == 1) {
+      addRound(rect, face, isOn && !isMomentary(tile));
+    } else if (isSlider(tile)) {
+      addSliderTile(tile, rect, space_.flipped(StageControlPanel::slider(global)), face);
+    } else if (tile.size.rows > 1) {
+      addSquare(rect, face, isOn && !isMomentary(tile));
+    } else {
+      addWide(rect, face, isOn && !isMomentary(tile));
+    }
+  }
+
+  void addBadge(const Rect& global) {
+    const Rect badge = space_.flipped(StageControlPanel::removeBadge(global));
+    drawing_.push_back(ShadowMark{badge, badge.height / 2, 4, 1, 0.3});
+    drawing_.push_back(FillMark{badge, badge.height / 2, Color::gray(0.88), {}});
+    const double side = badge.width * 0.6;
+    drawing_.push_back(SymbolMark{centered(badge, side, side), "minus", Color::gray(0.15), {}});
+  }
+
+ private:
+  /// Modules that a press starts and that are never on.
+  static bool isMomentary(const StageTile& tile) { return faceOf(tile).onText.empty(); }
+
+  void addGlyph(const Rect& rect, const TileFace& face, const Color& color) {
+    if (face.symbol.empty()) {
+      drawing_.push_back(TextMark{rect.inset(-8, -8), face.title.substr(0, 1), color,
+                                  rect.height * 0.9, 600, TextPlace::center});
+      return;
+    }
+    drawing_.push_back(SymbolMark{rect, face.symbol, color, {}});
+  }
+
+  void addSheet(const Rect& rect) {
+    const double radius = std::min(cornerRadius, rect.height / 2);
+    drawing_.push_back(ShadowMark{rect, radius, 10, 3, 0.16});
+    drawing_.push_back(GlassMark{rect, radius, GlassKind::tile, palette_.isDark});
+  }
+
+  void addRound(const Rect& rect, const TileFace& face, bool isOn) {
+    addSheet(rect);
+    if (isOn) {
+      drawing_.push_back(FillMark{rect.inset(0.5, 0.5), rect.width / 2, palette_.accent, {}});
+    }
+    addGlyph(centered(rect, 26, 26), face, isOn ? Color::white() : palette_.text);
+  }
+
+  void addDisc(const Rect& disc, const TileFace& face, bool isOn) {
+    const Color off = palette_.isDark ? Color::white(0.16) : Color::black(0.1);
+    drawing_.push_back(FillMark{disc, disc.width / 2, isOn ? palette_.accent : off, {}});
+    addGlyph(centered(disc, disc.width * 0.56, disc.width * 0.56), face,
+             isOn ? Color::white() : palette_.text);
+  }
+
+  void addWide(const Rect& rect, const TileFace& face, bool isOn) {
+    addSheet(rect);
+    const Rect disc{rect.x + 12, rect.midY() - 20, 40, 40};
+    addDisc(disc, face, isOn);
+    Rect words{disc.maxX() + 10, rect.midY() - 17, rect.maxX() - disc.maxX() - 20, 17};
+    const std::string state = face.onText.empty() ? "" : isOn ? face.onText : "Off";
+    if (state.empty()) {
+      words.y = rect.midY() - words.height / 2;
+    }
+    drawing_.push_back(TextMark{words, face.title, palette_.text, 13, 600, TextPlace::left});
+    if (!state.empty()) {
+      drawing_.push_back(
+          TextMark{words.offset(0, 17), state, palette_.secondary, 12, 400, TextPlace::left});
+    }
+  }
+
+  void addSquare(const Rect& rect, const TileFace& face, bool isOn) {
+    addSheet(rect);
+    addDisc({rect.x + 16, rect.y + 16, 44, 44}, face, isOn);
+    const Rect words{rect.x + 16, rect.maxY() - 52, rect.width - 32, 18};
+    drawing_.push_back(TextMark{words, face.title, palette_.text, 13, 600, TextPlace::left});
+    const std::string state = face.onText.empty() ? "Not Playing" : isOn ? face.onText : "Off";
+    drawing_.push_back(
+        TextMark{words.offset(0, 18), state, palette_.secondary, 12, 400, TextPlace::left});
+  }
+
+  void addSliderTile(const StageTile& tile, const Rect& rect, const Rect& slider,
+                     const TileFace& face) {
+    addSheet(rect);
+    const bool isSound = tile.module == "Sound";
+    const double value = center_.sliderValue(tile);
+    drawing_.push_back(TextMark{{rect.x + 22, rect.y + 8, rect.width - 44, 18},
+                                face.title,
+                                palette_.text,
+                                13,
+                                600,
+                                TextPlace::left});
+    addSlider(drawing_, slider, value, palette_);
+    // The symbols stand where the slider leaves room for them.
+    const double side = 15;
+    if (slider.x - rect.x >= side + 16) {
+      drawing_.push_back(SymbolMark{{slider.x - side - 6, slider.midY() - side / 2, side, side},
+                                    isSound ? "speaker.fill" : "sun.min.fill",
+                                    palette_.secondary,
+                                    {}});
+    }
+    if (rect.maxX() - slider.maxX() >= side + 16) {
+      drawing_.push_back(SymbolMark{{slider.maxX() + 6, slider.midY() - side / 2, side, side},
+                                    isSound ? "speaker.wave.3.fill" : "sun.max.fill",
+                                    palette_.secondary,
+                                    {}});
+    }
+  }
+
+  Drawing& drawing_;
+  const StageControlCenter& center_;
+  const StageSpace& space_;
+  const Palette& palette_;
+};
+
+void addEditButton(Drawing& drawing, const Rect& button, bool isEditing, const Palette& palette) {
+  drawing.push_back(ShadowMark{button, button.height / 2, 8, 2, 0.14});
+  drawing.push_back(GlassMark{button, button.height / 2, GlassKind::tile, palette.isDark});
+  drawing.push_back(TextMark{button, isEditing ? "Done" : "Edit Controls", palette.text, 13, 500,
+                             TextPlace::center});
+}
+
+}  // namespace
+
+Drawing controlCenterDrawing(StageDesktop& desktop) {
+  const StageControlCenter& center = desktop.controlCenter;
+  const StageControlPanel panel = center.panel();
+  Drawing drawing;
+  TileDrawing tiles(drawing, desktop);
+  const auto& dragged = center.dragged();
+  for (const StageTile& tile : center.shownTiles()) {
+    if (dragged && dragged->first == tile.id) {
+      continue;
+    }
+    tiles.add(tile, panel.tile(tile));
+    if (center.isEditing()) {
+      tiles.addBadge(panel.tile(tile));
+    }
+  }
+  addEditButton(drawing, desktop.space.flipped(panel.editButton), center.isEditing(),
+                Palette::of(desktop.appearance.isDark()));
+  if (dragged) {
+    if (const StageTile* tile = center.grid().tile(dragged->first)) {
+      const Size size = panel.tile(*tile).size();
+      tiles.add(*tile,
+                {dragged->second.x, dragged->second.y - size.height, size.width, size.height});
+    }
+  }
+  return drawing;
+}
+
+Drawing editingDrawing(const StageWindowRecord& window, StageDesktop& desktop) {
+  const Palette& palette = Palette::of(desktop.appearance.isDark());
+  const Rect frame = desktop.space.flipped(window.frame);
+  Drawing drawing{GlassMark{frame, 0, GlassKind::editing, palette.isDark}};
+  if (desktop.screens.screens().get().empty() || window.frame != desktop.space.main()) {
+    return drawing;
+  }
+  const auto gallery = desktop.controlCenter.gallery();
+  for (std::size_t i = 0; i < gallery.size(); ++i) {
+    const Rect entry =
+        desktop.space.flipped(StageControlPanel::galleryEntry(desktop.space.main(), i));
+    if (i == 0) {
+      drawing.push_back(TextMark{{entry.x, entry.y - 52, 400, 30},
+                                 "Add Controls",
+                                 palette.text,
+                                 20,
+                                 700,
+                                 TextPlace::left});
+    }
+    const double radius = std::min(entry.height / 2, 26.0);
+    drawing.push_back(GlassMark{entry, radius, GlassKind::tile, palette.isDark});
+    StageTile tile;
+    tile.module = gallery[i];
+    const TileFace face = faceOf(tile);
+    const Rect plus{entry.x + 12, entry.midY() - 10, 20, 20};
+    drawing.push_back(FillMark{plus, 10, Color{0.19, 0.82, 0.35}, {}});
+    drawing.push_back(SymbolMark{centered(plus, 13, 13), "plus", Color::white(), {}});
+    drawing.push_back(
+        TextMark{{plus.maxX() + 10, entry.y, entry.maxX() - plus.maxX() - 22, entry.height},
+                 face.title,
+                 palette.text,
+                 13,
+                 500,
+                 TextPlace::left});
+  }
+  return drawing;
+}
+
+}  // namespace plemora

@@ -1,0 +1,172 @@
+#include "main/stage/stage_compositor.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "glass/glass_view.h"
+#include "main/stage/desktop_drawing.h"
+#include "main/stage/drawing_painter.h"
+
+namespace plemora {
+
+namespace {
+
+constexpr double pointerSide = 22;
+
+}  // namespace
+
+const QImage& StageCompositor::picture(int screen) {
+  const auto& screens = desktop_.screens.screens().get();
+  const auto found = std::ranges::find(screens, screen, &Screen::id);
+  if (found == screens.end()) {
+    canvases_.erase(screen);
+    return nothing_;
+  }
+  Canvas& canvas = canvases_[screen];
+  prepare(canvas, *found);
+  std::vector<Sheet> sheets = this->sheets();
+  std::erase_if(sheets, [&](const Sheet& sheet) { return placeOf(sheet, canvas).isEmpty(); });
+
+  const std::size_t kept = std::min(sheets.size(), canvas.painted.size());
+  std::size_t same = 0;
+  while (same < kept && isAsPainted(sheets[same], canvas.painted[same])) {
+    ++same;
+  }
+  // A window that has changed by itself alone is still in front of the same things.
+  const bool isInPlace = same < kept && sheets[same].number == canvas.painted[same].sheet.number &&
+                         sheets[same].frame == canvas.painted[same].sheet.frame;
+  unpaint(canvas, same);
+  for (std::size_t i = same; i < sheets.size(); ++i) {
+    paint(canvas, std::move(sheets[i]), i == same && isInPlace);
+  }
+  return canvas.picture;
+}
+
+QRegion StageCompositor::takeDamage(int screen) {
+  const auto found = canvases_.find(screen);
+  return found != canvases_.end() ? std::exchange(found->second.damage, {}) : QRegion();
+}
+
+void StageCompositor::prepare(Canvas& canvas, const Screen& screen) {
+  const Rect frame = desktop_.space.flipped(screen.frame);
+  if (!canvas.picture.isNull() && canvas.screen == screen && canvas.wallpaper == wallpaper_ &&
+      canvas.origin == frame.origin()) {
+    return;
+  }
+  canvas.screen = screen;
+  canvas.wallpaper = wallpaper_;
+  canvas.origin = frame.origin();
+  canvas.painted.clear();
+  canvas.picture = paintWallpaper(
+      wallpaper_, QSize(static_cast<int>(frame.width), static_cast<int>(frame.height)),
+      screen.scale);
+  canvas.damage = canvas.picture.rect();
+}
+
+std::vector<StageCompositor::Sheet> StageCompositor::sheets() {
+  std::vector<Sheet> sheets;
+  const std::vector<StageWindowRecord> records = desktop_.windowServer.records();
+  for (auto record = records.rbegin(); record != records.rend(); ++record) {
+    if (!(record->alpha > 0)) {
+      continue;
+    }
+    Sheet sheet{record->number, {}, record->alpha, {}, nullptr};
+    if (const auto* window = std::get_if<StageWindow*>(&record->model)) {
+      sheet.window = windows_.before(*window);
+      sheet.frame = desktop_.space.flipped(record->frame);
+    } else {
+      sheet.drawing = drawingOf(*record, desktop_);
+    }
+    sheets.push_back(std::move(sheet));
+  }
+  if (showsPointer_) {
+    const Point tip = desktop_.space.flipped(desktop_.input.pointerLocation());
+    sheets.push_back({-1, {}, 1, {PointerMark{{tip.x, tip.y, pointerSide, pointerSide}}}, nullptr});
+  }
+  return sheets;
+}
+
+bool StageCompositor::isAsPainted(const Sheet& sheet, const Painted& painted) {
+  return sheet == painted.sheet && !(sheet.window != nullptr && sheet.window->isStale());
+}
+
+QRect StageCompositor::placeOf(const Sheet& sheet, const Canvas& canvas) const {
+  const double scale = canvas.screen.scale;
+  const Rect rect = sheet.window != nullptr ? sheet.frame : boundsOf(sheet.drawing);
+  const QRectF pixels((rect.x - canvas.origin.x) * scale, (rect.y - canvas.origin.y) * scale,
+                      rect.width * scale, rect.height * scale);
+  if (sheet.window != nullptr) {
+    // Its picture lies on whole pixels.
+    return QRect(pixels.topLeft().toPoint(), QSize(static_cast<int>(std::ceil(pixels.width())),
+                                                   static_cast<int>(std::ceil(pixels.height()))))
+        .intersected(canvas.picture.rect());
+  }
+  return pixels.toAlignedRect().intersected(canvas.picture.rect());
+}
+
+void StageCompositor::unpaint(Canvas& canvas, std::size_t count) {
+  while (canvas.painted.size() > count) {
+    const Painted& last = canvas.painted.back();
+    QPainter painter(&canvas.picture);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(last.place.topLeft(), last.below);
+    canvas.damage += last.place;
+    canvas.painted.pop_back();
+  }
+}
+
+void StageCompositor::paint(Canvas& canvas, Sheet sheet, bool isBelowTheSame) {
+  const QRect place = placeOf(sheet, canvas);
+  QImage below = canvas.picture.copy(place);
+  // Painted apart from the picture: glass must not see its own window, and alpha is the whole's.
+  QImage layer(place.size(), QImage::Format_ARGB32_Premultiplied);
+  layer.fill(Qt::transparent);
+  if (sheet.window != nullptr) {
+    paintWindow(canvas, sheet, place, isBelowTheSame, layer);
+  } else {
+    DrawingPainter(canvas.picture, canvas.origin, layer, place.topLeft(), canvas.screen.scale)
+        .paint(sheet.drawing);
+  }
+  QPainter painter(&canvas.picture);
+  painter.setOpacity(sheet.alpha);
+  painter.drawImage(place.topLeft(), layer);
+  canvas.damage += place;
+  canvas.painted.push_back({std::move(sheet), place, std::move(below)});
+  ++paintCount_;
+}
+
+void StageCompositor::paintWindow(const Canvas& canvas, const Sheet& sheet, const QRect& place,
+                                  bool isBelowTheSame, QImage& layer) {
+  const double scale = canvas.screen.scale;
+  GlassWindow& window = *sheet.window;
+  GlassView& glass = window.glass();
+  glass.setSize(sheet.frame.size());
+  glass.setScale(scale);
+  glass.setDark(window.options().isDark || desktop_.appearance.isDark());
+  const QPoint corner(static_cast<int>(std::lround((sheet.frame.x - canvas.origin.x) * scale)),
+                      static_cast<int>(std::lround((sheet.frame.y - canvas.origin.y) * scale)));
+  const auto sight = backdropScreens_.try_emplace(&window, canvas.screen.id).first;
+  if (!isBelowTheSame || sight->second != canvas.screen.id) {
+    sight->second = canvas.screen.id;
+    const int margin = static_cast<int>(std::ceil(glass.backdropMargin() * scale));
+    const QRect seen =
+        QRect(corner, QSizeF(sheet.frame.width * scale, sheet.frame.height * scale).toSize())
+            .adjusted(-margin, -margin, margin, margin)
+            .intersected(canvas.picture.rect());
+    glass.setBackdrop(backdropOf(canvas.picture, seen, scale),
+                      {(seen.x() - corner.x()) / scale, (seen.y() - corner.y()) / scale,
+                       seen.width() / scale, seen.height() / scale});
+  }
+  QPainter painter(&layer);
+  painter.drawImage(corner - place.topLeft(), imageOf(glass.render()));
+  if (StageContent* content = window.content()) {
+    QImage picture = content->picture(sheet.frame.size(), scale);
+    picture.setDevicePixelRatio(1);
+    painter.drawImage(corner - place.topLeft(), picture);
+  }
+  window.drawn();
+}
+
+}  // namespace plemora

@@ -1,0 +1,76 @@
+#include "main/stage/stage_show.h"
+
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QEvent>
+#include <algorithm>
+
+#include "main/stage/scene_clock.h"
+#include "views/panel_scene.h"
+
+namespace plemora {
+
+namespace {
+
+constexpr double frameTime = 1.0 / 60;
+
+}  // namespace
+
+StageShow::StageShow(StageDesktop& desktop, Time time)
+    : desktop_(desktop),
+      sceneClock_(time == Time::virtualTime ? std::make_unique<SceneClock>() : nullptr),
+      windows_(desktop.windows, desktop.mainQueue),
+      compositor_(desktop, windows_) {
+  QAccessible::setActive(true);  // how controls are found by their names
+}
+
+StageShow::~StageShow() = default;
+
+std::shared_ptr<HostedView> StageShow::makeContent(PanelView& view, const ControlCenterLook& look) {
+  auto scene = std::make_shared<PanelScene>(view, look);
+  auto content = std::make_shared<StageContent>(scene, desktop_.clock);
+  scene->setScreenMapping([weak = std::weak_ptr(content)](const Rect& inScene) {
+    const auto alive = weak.lock();
+    return alive ? alive->onScreen(inScene) : inScene;
+  });
+  return content;
+}
+
+void StageShow::advance(double seconds) {
+  for (double left = seconds; left > 0; left -= frameTime) {
+    desktop_.advance(std::min(left, frameTime));
+    settle();
+  }
+}
+
+void StageShow::settle() {
+  desktop_.settle();
+  if (sceneClock_) {
+    sceneClock_->tick(desktop_.clock.mediaTime());
+  }
+  QCoreApplication::sendPostedEvents();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  desktop_.settle();
+}
+
+QImage StageShow::picture(int screen) {
+  // Items that are made while others are laid out are laid out in the next turn.
+  for (int turn = 0; turn < 3; ++turn) {
+    compositor_.picture(screen);
+    settle();
+  }
+  return compositor_.picture(screen);
+}
+
+std::vector<StageControl> StageShow::controls() {
+  std::vector<StageControl> found;
+  for (GlassWindow* window : windows_.onScreen()) {
+    if (StageContent* content = window->content()) {
+      const auto controls = content->controls();
+      found.insert(found.end(), controls.begin(), controls.end());
+    }
+  }
+  return found;
+}
+
+}  // namespace plemora
