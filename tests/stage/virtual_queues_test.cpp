@@ -59,6 +59,17 @@ TEST_F(VirtualMainQueueTest, DroppedWorkNeverRunsAndLetsGoOfWhatItHolds) {
   EXPECT_EQ(main.pendingTimers(), 0);
 }
 
+TEST_F(VirtualMainQueueTest, TellsWhenTheNextTimerIsDue) {
+  EXPECT_EQ(main.nextTimer(), std::nullopt);
+  Timer early = main.after(0.1, [] {});
+  const auto often = main.every(0.25, [] {});
+  EXPECT_EQ(main.nextTimer(), 0.1);
+  early.reset();
+  EXPECT_EQ(main.nextTimer(), 0.25);
+  main.advance(0.3);
+  EXPECT_EQ(main.nextTimer(), 0.5);
+}
+
 TEST_F(VirtualMainQueueTest, WorkMayScheduleMoreAndBeDroppedAfterTheQueue) {
   Timer outlives;
   {

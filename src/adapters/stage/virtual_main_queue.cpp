@@ -1,5 +1,6 @@
 #include "adapters/stage/virtual_main_queue.h"
 
+#include <algorithm>
 #include <cassert>
 
 namespace plemora {
@@ -101,6 +102,12 @@ int VirtualMainQueue::pendingTimers() const {
     pending += item->isCancelled ? 0 : 1;
   }
   return pending;
+}
+
+std::optional<double> VirtualMainQueue::nextTimer() const {
+  const auto next = std::find_if(timers_.begin(), timers_.end(),
+                                 [](const auto& timer) { return !timer.second->isCancelled; });
+  return next != timers_.end() ? std::optional(next->first.first) : std::nullopt;
 }
 
 }  // namespace plemora

@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 
 #include "adapters/stage/virtual_clock.h"
@@ -34,6 +35,10 @@ class VirtualMainQueue : public MainQueue {
 
   /// Timers still to run, to find forgotten ones.
   int pendingTimers() const;
+
+  /// The media time at which the next of them is due, for whoever lets real time pass; none: there
+  /// is no timer.
+  std::optional<double> nextTimer() const;
 
  private:
   struct Item;
