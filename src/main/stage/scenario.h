@@ -34,8 +34,8 @@ struct ScenarioDevice {
 /// An application that plays a tone.
 struct ScenarioPlayer {
   std::string name;
-  double loudness = 0.5;  ///< amplitude, 0...1
-  std::string device;     ///< UID; empty: the default one
+  double loudness = 0.2;   ///< amplitude, 0...1
+  double frequency = 440;  ///< Hz
 };
 
 /// What Control Center's preferences hold when the curtain rises.
@@ -51,6 +51,14 @@ enum class ScenarioConsent { granted, refused, undecided };
 /// A setting of the program; none: absent.
 using ScenarioSetting = std::variant<std::monostate, bool, std::string>;
 
+/// How Control Center falls short of what it should be.
+struct ScenarioControlCenter {
+  std::optional<double> openDelay;  ///< from the press on its icon to its panel
+  std::optional<double> editDelay;  ///< from the press on its edit button to edit mode
+  std::optional<bool> ignoresEditButton;
+  std::optional<bool> staysDown;  ///< once ended, it is not started again
+};
+
 /// The state of the world, or what changes about it; what is none stays as it is.
 struct ScenarioWorld {
   std::optional<std::vector<ScenarioScreen>> screens;
@@ -61,8 +69,7 @@ struct ScenarioWorld {
   std::optional<std::string> systemVersion;  ///< as people read it
   std::optional<std::string> build;          ///< of the program
   std::optional<ScenarioLayout> layout;
-  std::optional<double> relaunchDelay;  ///< until Control Center is back after it was killed
-  std::optional<double> openDelay;      ///< until Control Center's panel shows after a press
+  ScenarioControlCenter controlCenter;
   std::map<std::string, ScenarioSetting> defaults;
 
   // Only when the curtain rises.
@@ -80,14 +87,19 @@ struct ScenarioTarget {
   enum class Kind {
     statusItem,
     controlCenterItem,
-    editButton,   ///< of Control Center
-    desktop,      ///< a place where there is nothing
-    tile,         ///< in Control Center, by its name and index
-    menuEntry,    ///< of the menu that is open, by its title
-    panel,        ///< a control in the mixer panel, by what a screen reader calls it
-    settings,     ///< a switch in System Settings, by its label
-    window,       ///< the title bar of a window, by its title
-    closeButton,  ///< of a window, by its title
+    editButton,     ///< of Control Center
+    desktop,        ///< a place where there is nothing
+    tile,           ///< in Control Center, by its name and index
+    removeBadge,    ///< in edit mode, of a tile
+    galleryEntry,   ///< in edit mode, by its name
+    menuEntry,      ///< of the menu that is open, by its title
+    panel,          ///< a control in the mixer panel, by what a screen reader calls it
+    settings,       ///< a switch in System Settings, by its label
+    closeSettings,  ///< the button that closes System Settings
+    settingsBar,    ///< the title bar of System Settings
+    prompt,         ///< a button of the question for consent, by its label
+    dock,           ///< an icon in the Dock, by the application's name
+    player,         ///< the button that pauses and resumes a player, by its name
     point,
   };
   Kind kind = Kind::desktop;

@@ -51,6 +51,18 @@ std::vector<Item> readList(const ScenarioPart& part, Item (*read)(const Scenario
   return items;
 }
 
+ScenarioControlCenter readControlCenter(const ScenarioPart& part) {
+  part.allow({"opens after", "edits after", "ignores edit button", "stays down"});
+  ScenarioControlCenter center;
+  const auto delay = [](const ScenarioPart& seconds) { return seconds.number(0, 3600); };
+  const auto flag = [](const ScenarioPart& value) { return value.flag(); };
+  part.read("opens after", center.openDelay, delay);
+  part.read("edits after", center.editDelay, delay);
+  part.read("ignores edit button", center.ignoresEditButton, flag);
+  part.read("stays down", center.staysDown, flag);
+  return center;
+}
+
 // All that can be said at any time.
 void readWorld(const ScenarioPart& part, ScenarioWorld& world) {
   part.read("screens", world.screens, [](const ScenarioPart& list) {
@@ -81,22 +93,13 @@ void readWorld(const ScenarioPart& part, ScenarioWorld& world) {
                                        {"unknown", ScenarioLayout::unknown},
                                        {"missing", ScenarioLayout::missing}});
   });
-  const auto delay = [](const ScenarioPart& seconds) { return seconds.number(0, 3600); };
-  part.read("control center comes back after", world.relaunchDelay, delay);
-  part.read("control center opens after", world.openDelay, delay);
+  part.read("control center", world.controlCenter, readControlCenter);
   if (const auto defaults = part.find("defaults")) {
     defaults->requireObject();
     for (const auto& [key, value] : defaults->json().items()) {
       world.defaults[key] = readSetting(defaults->at(key));
     }
   }
-}
-
-ScenarioTarget named(ScenarioTarget::Kind kind, const ScenarioPart& part) {
-  ScenarioTarget target;
-  target.kind = kind;
-  target.name = part.text();
-  return target;
 }
 
 }  // namespace
@@ -115,45 +118,44 @@ Point readPoint(const ScenarioPart& part) {
 
 ScenarioTarget readTarget(const ScenarioPart& part) {
   using Kind = ScenarioTarget::Kind;
+  ScenarioTarget target;
   if (part.isText()) {
-    ScenarioTarget target;
     target.kind = part.oneOf<Kind>({{"status item", Kind::statusItem},
                                     {"Control Center item", Kind::controlCenterItem},
                                     {"edit button", Kind::editButton},
+                                    {"close button of System Settings", Kind::closeSettings},
+                                    {"title bar of System Settings", Kind::settingsBar},
                                     {"desktop", Kind::desktop}});
     return target;
   }
-  part.allow({"tile", "index", "menu", "panel", "settings", "window", "close", "point"});
+  part.allow({"tile", "remove", "index", "gallery", "menu", "panel", "settings", "prompt", "dock",
+              "player", "point"});
   const auto index = part.find("index");
   const std::size_t members = part.json().size() - (index ? 1 : 0);
   if (members != 1) {
     part.fail("must name one thing to aim at, not " + std::to_string(members));
   }
-  if (const auto tile = part.find("tile")) {
-    ScenarioTarget target = named(Kind::tile, *tile);
-    target.index = index ? index->whole(0, 100) : 0;
-    return target;
-  }
-  if (index) {
-    index->fail("belongs to a \"tile\" alone");
-  }
   if (const auto point = part.find("point")) {
-    ScenarioTarget target;
     target.kind = Kind::point;
     target.point = readPoint(*point);
-    return target;
   }
-  constexpr std::pair<std::string_view, Kind> kinds[] = {{"menu", Kind::menuEntry},
-                                                         {"panel", Kind::panel},
-                                                         {"settings", Kind::settings},
-                                                         {"window", Kind::window},
-                                                         {"close", Kind::closeButton}};
+  constexpr std::pair<std::string_view, Kind> kinds[] = {
+      {"tile", Kind::tile},      {"remove", Kind::removeBadge}, {"gallery", Kind::galleryEntry},
+      {"menu", Kind::menuEntry}, {"panel", Kind::panel},        {"settings", Kind::settings},
+      {"prompt", Kind::prompt},  {"dock", Kind::dock},          {"player", Kind::player}};
   for (const auto& [name, kind] : kinds) {
     if (const auto found = part.find(name)) {
-      return named(kind, *found);
+      target.kind = kind;
+      target.name = found->text();
     }
   }
-  part.fail("names nothing to aim at");
+  if (index) {
+    if (target.kind != Kind::tile && target.kind != Kind::removeBadge) {
+      index->fail("belongs to a \"tile\" alone");
+    }
+    target.index = index->whole(0, 100);
+  }
+  return target;
 }
 
 ScenarioDevice readDevice(const ScenarioPart& part) {
@@ -183,11 +185,12 @@ ScenarioPlayer readPlayer(const ScenarioPart& part) {
   if (part.isText()) {
     player.name = part.text();
   } else {
-    part.allow({"name", "loudness", "device"});
+    part.allow({"name", "loudness", "frequency"});
     player.name = part.at("name").text();
     part.read("loudness", player.loudness,
               [](const ScenarioPart& number) { return number.number(0, 1); });
-    part.read("device", player.device, [](const ScenarioPart& uid) { return uid.text(); });
+    part.read("frequency", player.frequency,
+              [](const ScenarioPart& number) { return number.number(20, 20000); });
   }
   if (player.name == scenarioProgram || player.name == scenarioControlCenter) {
     part.fail("\"" + player.name + "\" is no name for a player");
@@ -213,8 +216,7 @@ ScenarioWorld readStage(const ScenarioPart& part) {
 
 ScenarioWorld readChange(const ScenarioPart& part) {
   part.allow({"screens", "appearance", "wallpaper", "trusted", "consent", "system", "build",
-              "layout", "control center comes back after", "control center opens after",
-              "defaults"});
+              "layout", "control center", "defaults"});
   if (part.json().empty()) {
     part.fail("changes nothing");
   }
