@@ -21,6 +21,8 @@ class ScriptedConsent : public ConsentService {
   /// The user decides: preflight follows, and every open request is replied to, on this thread.
   void decide(bool granted);
 
+  /// What preflight says now; asking for it here is no call.
+  std::optional<int> answer() const { return preflight_; }
   int openRequests() const { return static_cast<int>(replies_.size()); }
   /// The service named by each call, in order.
   const std::vector<std::string>& services() const { return services_; }

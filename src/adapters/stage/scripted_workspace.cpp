@@ -14,6 +14,14 @@ void ScriptedWorkspace::quit(std::int32_t pid) {
   std::erase_if(running_, [pid](const auto& application) { return application.pid == pid; });
 }
 
+void ScriptedWorkspace::update(std::int32_t pid,
+                               const std::function<void(RunningApplication&)>& change) {
+  const auto found = std::ranges::find(running_, pid, &RunningApplication::pid);
+  if (found != running_.end()) {
+    change(*found);
+  }
+}
+
 void ScriptedWorkspace::setResponsiblePid(std::int32_t pid, std::int32_t responsible) {
   responsible_[pid] = responsible;
 }

@@ -14,6 +14,8 @@ class ScriptedWorkspace : public Workspace {
   /// Adds a running application, behind those already there; one with the same PID is replaced.
   void launch(RunningApplication application);
   void quit(std::int32_t pid);
+  /// Changes what is known of a running application, in its place.
+  void update(std::int32_t pid, const std::function<void(RunningApplication&)>& change);
   void setResponsiblePid(std::int32_t pid, std::int32_t responsible);
   void install(const std::string& bundleID, InstalledApplication application);
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
-#include <vector>
+#include <utility>
 
 #include "adapters/stage/desktop/stage_tile_grid.h"
 #include "base/geometry.h"
@@ -30,6 +29,8 @@ struct StageControlPanel {
   static Rect slider(const Rect& tile);
   /// In edit mode, the badge that takes a tile away.
   static Rect removeBadge(const Rect& tile);
+  /// Of a tile of two columns and more, the button that would show more of it.
+  static Rect detailButton(const Rect& tile);
   /// Column and row of the cell nearest to the top left corner of a tile dragged to there.
   std::pair<int, int> cellAt(const Point& topLeft) const;
   /// In edit mode, the entries of the gallery of what can be added, on the screen left of the

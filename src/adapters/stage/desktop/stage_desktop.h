@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,7 +20,9 @@
 #include "adapters/stage/memory_defaults.h"
 #include "adapters/stage/scripted_appearance.h"
 #include "adapters/stage/scripted_consent.h"
+#include "adapters/stage/scripted_control_reload.h"
 #include "adapters/stage/scripted_login_item.h"
+#include "adapters/stage/scripted_notifications.h"
 #include "adapters/stage/scripted_route_picker.h"
 #include "adapters/stage/scripted_screens.h"
 #include "adapters/stage/scripted_system_info.h"
@@ -78,6 +78,8 @@ class StageDesktop {
   ScriptedLoginItem loginItem;
   ScriptedUpdateService updates;
   ScriptedRoutePicker routePicker;
+  ScriptedControlReload controlReload;
+  ScriptedNotifications notifications;
   SimulatedHal hal{mainQueue};
 
   // Windows and processes.

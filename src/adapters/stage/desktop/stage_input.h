@@ -42,6 +42,7 @@ class StageInput : public ScriptedInputEvents {
   std::function<std::int32_t()> programPid_;
   unsigned pressed_ = 0;
   std::optional<StageWindowRecord> grabbed_;  // by the button that is down
+  StageButton grabButton_ = StageButton::left;
   std::optional<StageWindowRecord> entered_;  // under the pointer
 };
 

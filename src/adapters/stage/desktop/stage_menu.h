@@ -39,7 +39,7 @@ class StageMenu {
   /// Closes the menu and does what the item says. False when there is no such title.
   bool choose(const std::string& title);
 
-  void appendWindow(std::vector<StageWindowRecord>& windows, StageWindowOwner& owner);
+  void appendWindow(std::vector<StageWindowRecord>& windows);
   void pointer(const StagePointerEvent& event);
 
  private:

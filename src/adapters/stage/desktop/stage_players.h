@@ -2,11 +2,12 @@
 
 #include <cstdint>
 #include <list>
+#include <memory>
 #include <string>
 
 #include "adapters/stage/desktop/stage_window_record.h"
 #include "base/geometry.h"
-#include "platform/audio_types.h"
+#include "platform/audio_properties.h"
 
 namespace plemora {
 
@@ -15,11 +16,11 @@ class StageWorkspace;
 
 /// An app that plays a tone, with a window.
 struct StagePlayer {
-  std::string bundleID;
-  std::string name;
+  std::string bundleID{};
+  std::string name{};
   double frequency = 440;  ///< Hz
   float amplitude = 0.2F;
-  std::string deviceUID;  ///< empty: the default output
+  std::string deviceUID{};  ///< empty: the default output
   std::int32_t pid = -1;
   bool isPlaying = false;
   Rect frame{};  ///< global, y up
@@ -34,6 +35,9 @@ struct StagePlayer {
 class StagePlayers : public StageWindowOwner {
  public:
   StagePlayers(SimulatedHal& hal, StageWorkspace& workspace, StageWindowNumbers& numbers);
+  ~StagePlayers() override;
+  StagePlayers(const StagePlayers&) = delete;
+  StagePlayers& operator=(const StagePlayers&) = delete;
 
   /// Starts the app, and has it play to the device of that UID, or (empty) to whatever is the
   /// default output. The result holds until it is stopped.
@@ -45,8 +49,6 @@ class StagePlayers : public StageWindowOwner {
   /// Null: it does not run.
   StagePlayer* find(const std::string& bundleID);
   const std::list<StagePlayer>& players() const { return players_; }
-  /// The default output has changed: they play to the new one.
-  void followDefaultOutput();
 
   static Rect button(const StagePlayer& player);  ///< that pauses and resumes; global, y up
 
@@ -55,12 +57,17 @@ class StagePlayers : public StageWindowOwner {
 
  private:
   void ended(std::int32_t pid);
+  /// Each plays to its device, or to the default output while that is not there.
+  void route();
 
   SimulatedHal& hal_;
   StageWorkspace& workspace_;
   StageWindowNumbers& numbers_;
   std::list<StagePlayer> players_;
-  Point grip_;
+  int started_ = 0;
+  Point grip_;  // of the window that is being moved, from its origin
+  bool isOnButton_ = false;
+  std::shared_ptr<AudioListenerBlock> outputChanged_;
 };
 
 }  // namespace plemora

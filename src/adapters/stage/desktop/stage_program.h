@@ -19,7 +19,7 @@ namespace plemora {
 /// it.
 class StageProgram : public Application, public StageWindowOwner {
  public:
-  StageProgram(StageWorkspace& workspace, StageWindows& windows, StageWindowNumbers& numbers);
+  StageProgram(StageWorkspace& workspace, StageWindows& windows);
 
   /// It runs now, as this application; the process identifier is a fresh one.
   void start(const std::string& bundleID, const std::string& name);
@@ -49,6 +49,7 @@ class StageProgram : public Application, public StageWindowOwner {
   void scroll(const StageWindowRecord& window, const StageScrollEvent& event) override;
   std::int64_t keyOrder() override;
   void key(const StageKeyEvent& event) override;
+  bool isProgram() override { return true; }
 
  private:
   StageWindow* keyWindow();

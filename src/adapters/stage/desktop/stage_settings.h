@@ -5,15 +5,17 @@
 #include <string>
 #include <vector>
 
-#include "adapters/stage/desktop/stage_space.h"
 #include "adapters/stage/desktop/stage_window_record.h"
+#include "base/geometry.h"
 
 namespace plemora {
 
 class Preferences;
 class ScriptedConsent;
+class Screens;
 class SimulatedHal;
 class StageAccessibility;
+class StageControlCenter;
 class StageProgram;
 class StageWorkspace;
 
@@ -27,6 +29,7 @@ struct StageSettingsServices {
   ScriptedConsent& consent;
   SimulatedHal& hal;
   StageProgram& program;
+  StageControlCenter& controlCenter;
 };
 
 /// System Settings: one window, opened at a pane by a link. It ends when its window is closed. Main
@@ -41,24 +44,24 @@ class StageSettings : public StageWindowOwner {
 
   enum class Pane { general, audioCapture, accessibility, menuBar, sound };
 
-  /// A line of the pane with a switch (or, of Sound, a choice).
+  /// A line of the pane with a switch; in Sound, an output that can be chosen.
   struct Row {
     std::string title;
     bool isOn = false;
   };
 
-  explicit StageSettings(const StageSettingsServices& services);
+  explicit StageSettings(const StageSettingsServices& services) : services_(services) {}
 
-  /// False for what is no link to a setting. An unknown pane opens the general one.
+  /// Opens the pane that the link names, or the general one. False for what is no such link.
   bool openURL(const std::string& url);
   void show(Pane pane);
   void close();
   void move(const Point& origin);  ///< of its window, global, y up
 
   bool isOpen() const { return pid_ >= 0; }
-  std::int32_t pid() const { return pid_; }
+  std::int32_t pid() const { return pid_; }  ///< -1: it does not run
   Pane pane() const { return pane_; }
-  std::string title() const;
+  std::string title() const;  ///< of the pane
   std::vector<Row> rows() const;
   /// The user sets it. False when the pane has no such row.
   bool setRow(const std::string& title, bool isOn);
@@ -69,15 +72,19 @@ class StageSettings : public StageWindowOwner {
 
   void appendWindows(std::vector<StageWindowRecord>& windows) override;
   void pointer(const StageWindowRecord& window, const StagePointerEvent& event) override;
-  std::int64_t keyOrder() override { return 0; }
+  /// It takes the keys away from others, though it does nothing with them.
+  std::int64_t keyOrder() override { return isOpen() ? order_ : 0; }
 
  private:
   void bringForward();
+  void ended();
+  void pressed(const Point& location);
 
   const StageSettingsServices services_;
   std::int32_t pid_ = -1;
   Pane pane_ = Pane::general;
   Rect frame_{0, 0, 715, 520};
+  bool wasPlaced_ = false;
   std::int64_t number_ = 0;
   std::int64_t order_ = 0;
   std::optional<Point> grip_;  // of the title bar, from the window's origin

@@ -27,9 +27,9 @@ struct StageTileControl {
 
 /// A tile of the grid.
 struct StageTile {
-  std::string id;                           ///< of the element
-  std::string module;                       ///< such as "Sound"; empty: not the system's
-  std::optional<StageTileControl> control;  ///< of a third party
+  std::string id{};                           ///< of the element
+  std::string module{};                       ///< such as "Sound"; empty: not the system's
+  std::optional<StageTileControl> control{};  ///< of a third party
   int column = 0;
   int row = 0;
   StageTileSize size = stageTileSizes[0];

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -9,6 +8,7 @@
 
 #include "adapters/stage/desktop/stage_extensions.h"
 #include "adapters/stage/desktop/stage_tile.h"
+#include "base/property_list.h"
 
 namespace plemora {
 
@@ -43,23 +43,28 @@ class StageTileGrid {
   bool addControl(const StageControlExtension& control, const std::string& id,
                   std::string_view size);
 
-  std::string boxesValue() const;
-  std::string controlsValue() const;
+  // The two preference values as they would be stored now.
+  std::string boxesValue() const { return boxes_.dump(); }
+  std::string controlsValue() const { return controls_.dump(); }
 
  private:
   using Json = nlohmann::ordered_json;
 
+  Json& elements() { return boxes_.at(0).at("grid").at("elements"); }
+  Json* element(const std::string& id);
   void findTiles();
-  Json& elements() { return boxes_[0]["grid"]["elements"]; }
-  bool isFree(const StageTile& place, const std::string& exceptID) const;
+  bool isFree(const StageTile& place) const;
+  /// Adds an element at the first free place.
   bool place(const std::string& id, std::string_view size);
-  void writeOccupied();
+  /// Brings the tiles, and what follows from them, up to date.
+  void changed();
 
   Json boxes_ = Json::array();
   Json controls_ = Json::object();
-  std::string displayables_;  // binary property list
+  PropertyList displayables_;
+  PropertyList::Array modules_;
   std::vector<StageTile> tiles_;
-  std::vector<std::string> complaints_;  // of what could not be made a tile
+  std::vector<std::string> unknown_;  // ids of elements that show nothing known
 };
 
 }  // namespace plemora

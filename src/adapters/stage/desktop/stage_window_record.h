@@ -36,15 +36,15 @@ struct StageWindowRecord {
   std::int64_t number = 0;  ///< never used again
   std::int64_t order = 0;   ///< among the windows of its level a larger one is further in front
   std::int32_t ownerPid = -1;
-  std::string ownerName;
+  std::string ownerName{};
   int level = 0;
-  Rect frame;  ///< global, y up
-  Rect solid;  ///< the part that takes the pointer; global, y up
+  Rect frame{};  ///< global, y up
+  Rect solid{};  ///< the part that takes the pointer; global, y up
   double alpha = 1;
   bool ignoresMouseEvents = false;
   StageWindowOwner* owner = nullptr;  ///< never null in a list
   std::variant<std::monostate, StageWindow*, const StageStatusItem*, StageMenu*, const StagePlayer*>
-      model;
+      model{};
 };
 
 /// A process of the stage as far as it has windows. Main thread.
@@ -57,12 +57,14 @@ class StageWindowOwner {
 
   virtual void pointer(const StageWindowRecord& window, const StagePointerEvent& event) = 0;
   virtual void scroll(const StageWindowRecord& /*window*/, const StageScrollEvent& /*event*/) {}
-  /// A button went down over a window of another owner (null: over none).
-  virtual void pressedElsewhere(const StageWindowRecord* /*hit*/) {}
+  /// A button goes down over a window of another owner (null: over none). True: it ends here.
+  virtual bool pressedElsewhere(const StageWindowRecord* /*hit*/) { return false; }
 
   /// When it last claimed the keyboard, as an order of windows; 0: it wants no keys now.
   virtual std::int64_t keyOrder() { return 0; }
   virtual void key(const StageKeyEvent& /*event*/) {}
+  /// Whether the keys that it claims are the program's, and pass its local monitors.
+  virtual bool isProgram() { return false; }
 };
 
 /// Numbers and orders of windows, shared by all who have some. Main thread.

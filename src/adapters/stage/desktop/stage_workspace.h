@@ -22,7 +22,6 @@ class StageWorkspace : public ScriptedWorkspace {
   void onTerminated(std::int32_t pid, std::function<void()> handler);
   /// It ends by itself, and its handler is not told.
   void exit(std::int32_t pid);
-  void update(std::int32_t pid, const std::function<void(RunningApplication&)>& change);
 
   void activate(std::int32_t pid);
   /// Process identifier of the application in front; -1: none.
