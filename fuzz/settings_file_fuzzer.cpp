@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "adapters/linux/desktop/settings_file.h"
+#include "adapters/files/settings_file.h"
 
 // Whatever the settings file holds: it is refused with a reason, or it survives being changed and
 // written, with every member that was not touched as it was.

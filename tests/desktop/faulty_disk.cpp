@@ -11,6 +11,13 @@ bool FaultyDisk::fails() {
   return calls_ >= failFirst_ && calls_ <= failLast_;
 }
 
+int FaultyDisk::find(const fs::path& file) {
+  if (fails()) {
+    return EIO;
+  }
+  return names_.contains(file.string()) ? 0 : ENOENT;
+}
+
 int FaultyDisk::read(const fs::path& file, std::string& content) {
   if (fails()) {
     return EIO;

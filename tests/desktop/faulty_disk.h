@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "adapters/linux/desktop/file_operations.h"
+#include "adapters/files/file_operations.h"
 
 namespace plemora {
 
@@ -12,6 +12,7 @@ namespace plemora {
 /// files, and the names in folders.
 class FaultyDisk : public FileOperations {
  public:
+  int find(const std::filesystem::path& file) override;
   int read(const std::filesystem::path& file, std::string& content) override;
   int write(const std::filesystem::path& file, std::string_view content) override;
   int sync(const std::filesystem::path& fileOrFolder) override;

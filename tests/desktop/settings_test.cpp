@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "adapters/files/settings_file.h"
 #include "adapters/linux/desktop/file_defaults.h"
-#include "adapters/linux/desktop/settings_file.h"
 #include "adapters/linux/desktop/thread_queue.h"
 #include "adapters/stage/memory_defaults.h"
 #include "base/log.h"

@@ -29,7 +29,7 @@ ROOMS = {
     "adapters/files": ["platform"],
     "adapters/stage": ["audio"],
     "adapters/stage/desktop": ["adapters/stage"],
-    "adapters/linux/desktop": ["audio"],
+    "adapters/linux/desktop": ["audio", "adapters/files"],
     "adapters/linux/pipewire": ["audio", "adapters/linux/desktop"],
     "adapters/linux/dbus": ["audio"],
     "adapters/linux/windows": ["views", "adapters/linux/desktop"],

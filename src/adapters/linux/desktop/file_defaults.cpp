@@ -5,8 +5,8 @@
 #include <set>
 #include <utility>
 
+#include "adapters/files/settings_file.h"
 #include "adapters/linux/desktop/launch_arguments.h"
-#include "adapters/linux/desktop/settings_file.h"
 #include "adapters/linux/desktop/settings_store.h"
 #include "base/log.h"
 

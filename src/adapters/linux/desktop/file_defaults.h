@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "adapters/linux/desktop/file_operations.h"
+#include "adapters/files/file_operations.h"
 #include "platform/serial_queue.h"
 #include "platform/user_defaults.h"
 

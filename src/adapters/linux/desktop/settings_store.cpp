@@ -56,22 +56,14 @@ std::string SettingsStore::save(SettingsFile& settings, const std::set<std::stri
   }
 
   const std::string text = settings.serialise();
-  const fs::path fresh = folder / ("." + target.filename().string() + ".new");
-  int error = operations_->write(fresh, text);
-  if (error == 0) {
-    error = operations_->sync(fresh);
-  }
-  if (error == 0) {
-    error = operations_->rename(fresh, target);
-  }
-  if (error != 0) {
-    operations_->remove(fresh);
+  const Replacement replacement = replaceFile(*operations_, target, text);
+  if (!replacement.isInPlace) {
     lastText_ = before;  // what others changed is still to be taken over
-    return target.string() + " cannot be replaced: " + describe(error);
+    return target.string() + " cannot be replaced: " + describe(replacement.error);
   }
   lastText_ = text;
-  if ((error = operations_->sync(folder)) != 0) {
-    return "the folder " + folder.string() + " cannot be synced: " + describe(error);
+  if (replacement.error != 0) {
+    return "the folder " + folder.string() + " cannot be synced: " + describe(replacement.error);
   }
   return {};
 }

@@ -6,8 +6,8 @@
 #include <set>
 #include <string>
 
-#include "adapters/linux/desktop/file_operations.h"
-#include "adapters/linux/desktop/settings_file.h"
+#include "adapters/files/file_operations.h"
+#include "adapters/files/settings_file.h"
 
 namespace plemora {
 

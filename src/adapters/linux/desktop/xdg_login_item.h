@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "adapters/linux/desktop/file_operations.h"
+#include "adapters/files/file_operations.h"
 #include "platform/login_item.h"
 
 namespace plemora {

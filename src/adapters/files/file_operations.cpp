@@ -1,4 +1,4 @@
-#include "adapters/linux/desktop/file_operations.h"
+#include "adapters/files/file_operations.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -38,6 +38,11 @@ class Descriptor {
 
 class SystemFileOperations : public FileOperations {
  public:
+  int find(const fs::path& file) override {
+    struct stat status {};
+    return lstat(file.c_str(), &status) == 0 ? 0 : errno;
+  }
+
   int read(const fs::path& file, std::string& content) override {
     // Non-blocking, so that a FIFO of that name cannot hold us up.
     const Descriptor descriptor(file, O_RDONLY | O_NONBLOCK);
@@ -99,8 +104,7 @@ class SystemFileOperations : public FileOperations {
       return errno;
     }
     // A file system without that call.
-    struct stat status {};
-    return lstat(to.c_str(), &status) == 0 ? EEXIST : rename(from, to);
+    return find(to) == 0 ? EEXIST : rename(from, to);
   }
 
   int remove(const fs::path& file) override { return unlink(file.c_str()) == 0 ? 0 : errno; }
@@ -136,6 +140,23 @@ class SystemFileOperations : public FileOperations {
 
 std::shared_ptr<FileOperations> makeFileOperations() {
   return std::make_shared<SystemFileOperations>();
+}
+
+Replacement replaceFile(FileOperations& operations, const fs::path& file,
+                        std::string_view content) {
+  const fs::path fresh = file.parent_path() / ("." + file.filename().string() + ".new");
+  int error = operations.write(fresh, content);
+  if (error == 0) {
+    error = operations.sync(fresh);
+  }
+  if (error == 0) {
+    error = operations.rename(fresh, file);
+  }
+  if (error != 0) {
+    operations.remove(fresh);
+    return {error, false};
+  }
+  return {operations.sync(file.parent_path()), true};
 }
 
 }  // namespace plemora

@@ -8,12 +8,14 @@
 
 namespace plemora {
 
-/// The few operations on files that storing settings takes, so that tests can make each of them
-/// fail. Nothing throws: each returns 0 or an errno. Any thread.
+/// The few operations on files that storing things takes, so that tests can make each of them fail.
+/// Nothing throws: each returns 0 or an errno. Any thread.
 class FileOperations {
  public:
   virtual ~FileOperations() = default;
 
+  /// ENOENT when nothing has that name.
+  virtual int find(const std::filesystem::path& file) = 0;
   /// ENOENT when there is none.
   virtual int read(const std::filesystem::path& file, std::string& content) = 0;
   /// Creates the file anew; only its owner may read and write it.
@@ -34,5 +36,16 @@ class FileOperations {
 
 /// Those of the system.
 std::shared_ptr<FileOperations> makeFileOperations();
+
+struct Replacement {
+  int error = 0;           ///< 0: all is on the disk
+  bool isInPlace = false;  ///< the name leads to the new content; but for an error also after a
+                           ///< power failure
+};
+
+/// Gives a file new content, whole or not at all: under another name first, which then takes the
+/// place of the file's. The folder must exist.
+Replacement replaceFile(FileOperations& operations, const std::filesystem::path& file,
+                        std::string_view content);
 
 }  // namespace plemora

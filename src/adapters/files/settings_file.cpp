@@ -1,4 +1,4 @@
-#include "adapters/linux/desktop/settings_file.h"
+#include "adapters/files/settings_file.h"
 
 #include <algorithm>
 #include <exception>
