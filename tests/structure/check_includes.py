@@ -71,7 +71,6 @@ PORTABLE = {
     "app": set(),
     "glass": {"arm_neon.h", "emmintrin.h", "immintrin.h"},
     "audio": {"nlohmann/json.hpp"},
-    "adapters/files": {"nlohmann/json.hpp", "plist/plist.h"},
     "adapters/stage": {"nlohmann/json.hpp"},
     "adapters/stage/desktop": {"nlohmann/json.hpp", "plist/plist.h"},
 }
