@@ -14,6 +14,7 @@
 #include "adapters/linux/dbus/mixer_client.h"
 #include "adapters/linux/dbus/mixer_names.h"
 #include "base/log.h"
+#include "controlcenter/panel_url.h"
 #include "main/desktop_ui.h"
 #include "main/linux_program.h"
 #include "main/process/display_probe.h"
@@ -147,15 +148,14 @@ Exit Instance::runEngine(QDBusConnection& bus) {
     adaptor.emplace(bus, program.service());
     adaptor->setActivateHandler([&](const std::vector<std::string>& arguments) {
       logActivation(arguments);
-      // A second start on the same desktop means: let me see it. The service's own does not.
+      // A second start on the same desktop means: let me see it. The service's own does not, nor
+      // does a URL that asks for something else.
       const bool isService =
           std::find(arguments.begin(), arguments.end(), "--no-ui") != arguments.end();
-      const bool hasURL = std::any_of(arguments.begin(), arguments.end(), [](const auto& argument) {
-        return argument.starts_with(urlScheme);
-      });
+      const auto urls = mixerURLs(arguments);
       const bool isFirst = std::exchange(hasJoined, false);
-      opensPanel_ = hasURL;
-      if (panel && !isService && (hasURL || !isFirst)) {
+      opensPanel_ = PanelRequest::of(urls).has_value();
+      if (panel && !isService && (opensPanel_ || (urls.empty() && !isFirst))) {
         panel->open();
       }
     });

@@ -4,6 +4,9 @@
 #include <cstddef>
 #include <iterator>
 #include <string_view>
+#include <vector>
+
+#include "controlcenter/panel_url.h"
 
 namespace plemora {
 
@@ -25,6 +28,7 @@ bool isSetting(std::string_view argument) {
 std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> arguments,
                                                   std::string& problem) {
   ProgramOptions options;
+  std::vector<std::string> urls;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
     if (argument == "--no-ui") {
@@ -33,8 +37,8 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
       options.wantsHelp = true;
     } else if (argument == "--version") {
       options.wantsVersion = true;
-    } else if (argument.starts_with(urlScheme)) {
-      options.opensPanel = true;
+    } else if (!mixerURLs(arguments.subspan(i, 1)).empty()) {
+      urls.push_back(argument);
     } else if (argument == "-demo") {
       if (++i == arguments.size()) {
         problem = "-demo needs a JSON configuration after it, in quotes";
@@ -57,6 +61,7 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
       return std::nullopt;
     }
   }
+  options.opensPanel = PanelRequest::of(urls).has_value();
   return options;
 }
 

@@ -3,7 +3,6 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace plemora {
 
@@ -13,12 +12,9 @@ struct ProgramOptions {
   bool withoutWindow = false;
   bool wantsHelp = false;
   bool wantsVersion = false;
-  bool opensPanel = false;  ///< a URL of the program's scheme was among the arguments
+  bool opensPanel = false;  ///< a URL among the arguments asks for it
   std::optional<std::string> screenshots;  ///< folder to draw pictures of the panel into
 };
-
-/// Beginning of the URLs that desktops hand to the program.
-inline constexpr std::string_view urlScheme = "com.quorvane.mixer:";
 
 /// Reads the arguments that follow the name of the program. None when they are wrong; problem
 /// then says what.
