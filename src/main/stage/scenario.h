@@ -56,7 +56,8 @@ struct ScenarioControlCenter {
   std::optional<double> openDelay;  ///< from the press on its icon to its panel
   std::optional<double> editDelay;  ///< from the press on its edit button to edit mode
   std::optional<bool> ignoresEditButton;
-  std::optional<bool> staysDown;  ///< once ended, it is not started again
+  std::optional<double> relaunchDelay;  ///< from its end to its return
+  std::optional<bool> staysDown;        ///< once ended, it is not started again
 };
 
 /// The state of the world, or what changes about it; what is none stays as it is.
@@ -69,6 +70,9 @@ struct ScenarioWorld {
   std::optional<std::string> systemVersion;  ///< as people read it
   std::optional<std::string> build;          ///< of the program
   std::optional<ScenarioLayout> layout;
+  /// As a system update does it: Control Center shows no third party's control any more until its
+  /// edit mode was left again.
+  bool forgetsControls = false;
   ScenarioControlCenter controlCenter;
   std::map<std::string, ScenarioSetting> defaults;
 
@@ -177,8 +181,9 @@ struct FailStep {
     fileRemove,
   };
   What what = What::nothing;
-  int times = 1;  ///< how many calls fail; negative: all
-  int after = 0;  ///< how many calls succeed before that
+  int times = 1;       ///< how many calls fail; negative: all
+  int after = 0;       ///< how many calls succeed before that
+  bool kills = false;  ///< the program is killed there, instead of being told
 };
 /// Keeps Control Center's two preference values under a name, for a later comparison.
 struct RememberStep {

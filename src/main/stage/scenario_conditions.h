@@ -30,7 +30,8 @@ struct ControlCenterCondition {
   std::optional<bool> isEditing;
   /// Of which there are just so many; the others of the grid may be there or not.
   std::vector<TileCondition> tiles;
-  std::vector<std::string> lacks;  ///< names of tiles
+  std::vector<std::string> lacks;         ///< names of tiles
+  std::optional<bool> understandsLayout;  ///< else it shows no tiles
   /// How often it has been launched since the curtain rose.
   std::optional<int> launches;
 };

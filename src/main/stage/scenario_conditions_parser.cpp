@@ -74,7 +74,7 @@ ControlCenterCondition readControlCenter(const ScenarioPart& part) {
     center.isOpen = readOpen(part);
     return center;
   }
-  part.allow({"is", "editing", "tiles", "lacks", "launches"});
+  part.allow({"is", "editing", "tiles", "lacks", "launches", "understands layout"});
   part.read("is", center.isOpen, readOpen);
   part.read("editing", center.isEditing, readFlag);
   part.read("tiles", center.tiles, [](const ScenarioPart& list) {
@@ -86,6 +86,7 @@ ControlCenterCondition readControlCenter(const ScenarioPart& part) {
   });
   part.read("lacks", center.lacks, readTexts);
   part.read("launches", center.launches, readCount);
+  part.read("understands layout", center.understandsLayout, readFlag);
   return center;
 }
 

@@ -115,11 +115,12 @@ FailStep readFail(const ScenarioPart& part) {
   if (part.isText()) {
     return {what(part)};
   }
-  part.allow({"what", "times", "after"});
+  part.allow({"what", "times", "after", "kills"});
   FailStep step{what(part.at("what"))};
   part.read("times", step.times, [](const ScenarioPart& times) {
     return times.isText() ? times.oneOf<int>({{"always", -1}}) : times.whole(1, 1000);
   });
+  part.read("kills", step.kills, [](const ScenarioPart& kills) { return kills.flag(); });
   part.read("after", step.after, [](const ScenarioPart& after) { return after.whole(0, 1000); });
   return step;
 }

@@ -52,12 +52,14 @@ std::vector<Item> readList(const ScenarioPart& part, Item (*read)(const Scenario
 }
 
 ScenarioControlCenter readControlCenter(const ScenarioPart& part) {
-  part.allow({"opens after", "edits after", "ignores edit button", "stays down"});
+  part.allow(
+      {"opens after", "edits after", "ignores edit button", "comes back after", "stays down"});
   ScenarioControlCenter center;
   const auto delay = [](const ScenarioPart& seconds) { return seconds.number(0, 3600); };
   const auto flag = [](const ScenarioPart& value) { return value.flag(); };
   part.read("opens after", center.openDelay, delay);
   part.read("edits after", center.editDelay, delay);
+  part.read("comes back after", center.relaunchDelay, delay);
   part.read("ignores edit button", center.ignoresEditButton, flag);
   part.read("stays down", center.staysDown, flag);
   return center;
@@ -94,6 +96,8 @@ void readWorld(const ScenarioPart& part, ScenarioWorld& world) {
                                        {"missing", ScenarioLayout::missing}});
   });
   part.read("control center", world.controlCenter, readControlCenter);
+  part.read("forgets controls", world.forgetsControls,
+            [](const ScenarioPart& flag) { return flag.flag(); });
   if (const auto defaults = part.find("defaults")) {
     defaults->requireObject();
     for (const auto& [key, value] : defaults->json().items()) {
@@ -216,7 +220,7 @@ ScenarioWorld readStage(const ScenarioPart& part) {
 
 ScenarioWorld readChange(const ScenarioPart& part) {
   part.allow({"screens", "appearance", "wallpaper", "trusted", "consent", "system", "build",
-              "layout", "control center", "defaults"});
+              "layout", "control center", "forgets controls", "defaults"});
   if (part.json().empty()) {
     part.fail("changes nothing");
   }

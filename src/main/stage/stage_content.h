@@ -11,19 +11,13 @@
 #include "adapters/stage/desktop/stage_events.h"
 #include "base/geometry.h"
 #include "main/stage/content_renderer.h"
+#include "main/stage/stage_control.h"
 #include "platform/hosted_view.h"
 
 namespace plemora {
 
 class Clock;
 class QuickView;
-
-/// A control of a view as assistive technology finds it.
-struct StageControl {
-  std::string name;
-  Rect frame;                   ///< global, y up
-  std::optional<double> value;  ///< of a slider, 0...1
-};
 
 /// A view of Qt Quick in a window of the stage: what the window's surface is given instead of the
 /// view itself. Draws it into a picture and takes the window's input to it. GUI thread.
