@@ -35,8 +35,7 @@ class DesktopUi {
   virtual int renderScreenshots(const std::string& folder) = 0;
 };
 
-/// Loads the module, which lies beside the program or where it is installed, and stays loaded.
-/// Null when that fails; the problem says why.
+/// Loads the module. Null when that fails; the problem says why.
 DesktopUi* loadDesktopUi(std::string& problem);
 
 }  // namespace plemora

@@ -15,11 +15,6 @@ namespace {
 constexpr const char* soundSettingsURL =
     "x-apple.systempreferences:com.apple.Sound-Settings.extension";
 
-constexpr double cornerRadius = 15;
-constexpr double rimTop = 0.56;  // alphas of the rim's white
-constexpr double rimRest = 0.18;
-constexpr double rimZPosition = 10;
-
 constexpr double openTime = 0.16;  // seconds
 constexpr double closeTime = 0.12;
 constexpr double heightTime = 0.18;
@@ -152,26 +147,33 @@ PanelPlacement StatusItemController::place() const {
   return PanelPlacement::place(anchor, screen, contentHeight_);
 }
 
-StatusItemController::Shown& StatusItemController::shown() {
-  if (!shown_) {
-    const auto content = makeContent_(panelView_);
-    const auto panel = std::make_shared<GlassPanel>(services_.windows, panelOptions(), content,
-                                                    visibility_, services_.mainQueue);
-    panel->make(cornerRadius, GlassStyle(services_.look.style("detailStyle", builtInDetail)));
-    panel->setRim(std::make_unique<RimLayer>(rimTop, rimRest), cornerRadius, rimZPosition);
-    shown_.reset(
-        new Shown{content, panel, VisibilityGate(visibility_, content),
-                  WindowAnimation(panel, services_.displayLinks, services_.clock),
-                  HeightReader(content, [this](double height) { contentHeightChanged(height); })});
+bool StatusItemController::makeShown() {
+  if (shown_) {
+    return true;
   }
-  return *shown_;
+  const auto content = makeContent_(panelView_);
+  if (!content) {
+    return false;
+  }
+  const auto panel = std::make_shared<GlassPanel>(services_.windows, panelOptions(), content,
+                                                  visibility_, services_.mainQueue);
+  panel->make(cornerRadius, GlassStyle(services_.look.style("detailStyle", builtInDetail)));
+  panel->setRim(std::make_unique<RimLayer>(rimTop, rimRest), cornerRadius, rimZPosition);
+  shown_.reset(
+      new Shown{content, panel, VisibilityGate(visibility_, content),
+                WindowAnimation(panel, services_.displayLinks, services_.clock),
+                HeightReader(content, [this](double height) { contentHeightChanged(height); })});
+  return true;
 }
 
 void StatusItemController::open(Anchor from) {
   model_.outputs().reload();
   model_.refreshPermission();
+  if (!makeShown()) {
+    return;
+  }
   anchor_ = from;
-  Shown& shown = this->shown();
+  Shown& shown = *shown_;
   placement_ = place();
   visibility_.isVisible.set(true);
   shown.content->setMaximumHeight(placement_.room);

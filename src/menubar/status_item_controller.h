@@ -29,8 +29,14 @@ class StatusItemController {
   enum class Anchor { menuBar = 0, controlCenter = 1 };
 
   /// Makes what draws the panel's content, when the panel is first opened and not before; the panel
-  /// view outlives it.
+  /// view outlives it. Null: it cannot be shown now, so the panel stays closed.
   using MakeContent = std::function<std::shared_ptr<HostedView>(PanelView&)>;
+
+  // How the panel is framed.
+  static constexpr double cornerRadius = 15;
+  static constexpr double rimTop = 0.56;  ///< alphas of the rim's white
+  static constexpr double rimRest = 0.18;
+  static constexpr double rimZPosition = 10;
 
   StatusItemController(MixerModel& model, const MenuBarServices& services, MakeContent makeContent,
                        ControlCenterHooks controlCenter = {});
@@ -59,8 +65,8 @@ class StatusItemController {
   void checkForUpdates();
 
   PanelView& panelView() { return panelView_; }
-  /// Made with its content when it is not yet there.
-  GlassPanel& panel() { return *shown().panel; }
+  /// Once it has been opened.
+  GlassPanel& panel() { return *shown_->panel; }
 
  private:
   static constexpr double initialContentHeight = 300;
@@ -75,7 +81,7 @@ class StatusItemController {
   };
 
   void subscribe();
-  Shown& shown();
+  bool makeShown();
   void turnMaster(int notches);
   std::vector<MenuItem> menuItems();
   std::vector<MenuItem> menuItemsOfHost();

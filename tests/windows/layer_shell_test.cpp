@@ -39,10 +39,11 @@ class LayerShell : public testing::TestWithParam<int> {
     }
     application = std::make_unique<SwayApplication>();
     queue = std::make_unique<QtMainQueue>();
-    desktop = std::make_unique<LinuxDesktop>(*queue);
+    desktop = std::make_unique<LinuxDesktop>();
+    panels = std::make_unique<LinuxPanels>(*desktop, *queue);
     ASSERT_EQ(desktop->screens().screens().get().size(), 1U);
     screen = desktop->screens().screens().get()[0].frame;
-    panel = desktop->windows().makePanel({.identifier = "panel", .title = "Plemora"});
+    panel = panels->makePanel({.identifier = "panel", .title = "Plemora"});
     panel->surface().setContent(view);
     panel->setFrame(frame(400));
     pointer = std::make_unique<VirtualPointer>(
@@ -71,6 +72,7 @@ class LayerShell : public testing::TestWithParam<int> {
   std::unique_ptr<SwayApplication> application;
   std::unique_ptr<QtMainQueue> queue;
   std::unique_ptr<LinuxDesktop> desktop;
+  std::unique_ptr<LinuxPanels> panels;
   Rect screen;
   std::shared_ptr<TestView> view = std::make_shared<TestView>();
   std::unique_ptr<PanelWindow> panel;

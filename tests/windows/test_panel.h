@@ -7,6 +7,7 @@
 
 #include "adapters/linux/desktop/qt_main_queue.h"
 #include "adapters/linux/windows/linux_desktop.h"
+#include "adapters/linux/windows/linux_panels.h"
 #include "glass/raster.h"
 #include "platform/hosted_view.h"
 #include "views/glass_item.h"
@@ -61,7 +62,7 @@ class TestDesktop {
   }
 
   std::unique_ptr<PanelWindow> makePanel(const Rect& frame) {
-    auto panel = desktop.windows().makePanel(options);
+    auto panel = panels.makePanel(options);
     panel->surface().setContent(view);
     panel->setFrame(frame);
     return panel;
@@ -80,7 +81,8 @@ class TestDesktop {
   XDisplay display;
   XApplication application;
   QtMainQueue queue;
-  LinuxDesktop desktop{queue};
+  LinuxDesktop desktop;
+  LinuxPanels panels{desktop, queue};
   PanelWindowOptions options;
   std::shared_ptr<TestView> view = std::make_shared<TestView>();
 };

@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "glass/glass_view.h"
+#include "menubar/status_item_controller.h"
 #include "skin/look/glass_style.h"
 #include "skin/look/rim_layer.h"
 #include "views/glass_item.h"
@@ -20,7 +21,6 @@ namespace plemora {
 
 namespace {
 
-constexpr double cornerRadius = 15;
 constexpr int margin = 44;  // of desktop around the panel
 constexpr int gap = 6;      // between the bar and the panel
 
@@ -104,11 +104,12 @@ QImage panelPicture(GalleryWorld& world, Wallpaper wallpaper, double scale, doub
   GlassView glass(world.mainQueue());
   GlassSurface surface(glass);
   const GlassStyle style(world.look().style("detailStyle", builtInDetail));
+  const double cornerRadius = StatusItemController::cornerRadius;
   const auto tuned = GlassStyle::make(cornerRadius, nullptr, style, surface, world.mainQueue());
   const Size size{static_cast<double>(panel.width()), height};
-  RimLayer rim(0.28, 0.12);
+  RimLayer rim(StatusItemController::rimTop, StatusItemController::rimRest);
   rim.update(size, cornerRadius, true, scale);
-  rim.layer()->zPosition = 10;
+  rim.layer()->zPosition = StatusItemController::rimZPosition;
   surface.setLayer(rim.layer());
   glass.setSize(size);
   glass.setScale(scale);

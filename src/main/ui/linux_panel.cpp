@@ -1,30 +1,32 @@
 #include "main/ui/linux_panel.h"
 
-#include <QFontInfo>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <algorithm>
 #include <vector>
 
+#include "base/log.h"
 #include "menubar/menu_bar_services.h"
-#include "views/panel_scene.h"
 
 namespace plemora {
 
 namespace {
 
+constexpr Logger logger("program");
+
 constexpr double readyingDelay = 0.5;  // seconds
 
-/// The first use of a font reads the desktop's description of all of them, which takes about as
-/// long as showing the panel does. The first click shall not wait for that.
+/// The first question about fonts reads the desktop's description of all of them, which takes about
+/// as long as showing the panel does. The first click shall not wait for that.
 void findFonts() {
-  QFontInfo(QGuiApplication::font()).family();
+  QFontDatabase::hasFamily("Inter");
 }
 
 }  // namespace
 
 LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
                        const std::string& version)
-    : desktop_(program.mainQueue()),
+    : queue_(program.mainQueue()),
       appearance_(bus),
       look_(program.defaults(), program.system(), appearance_,
             ControlCenterLook::ReleaseSource::settingElseSystem),
@@ -38,13 +40,12 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
       launchAtLogin_(program.defaults(), program.system(), loginItem_, {"/usr/", "/opt/"}),
       statusBar_(bus, appearance_),
       routePicker_(program.mainQueue(), program.model().outputs(), makeRaopDiscovery()),
-      controller_(
-          program.model(),
-          MenuBarServices{program.mainQueue(), program.clock(), program.defaults(),
-                          program.workspace(), desktop_.application(), desktop_.screens(),
-                          desktop_.inputEvents(), desktop_.windows(), desktop_.displayLinks(),
-                          statusBar_, routePicker_, look_, updater_},
-          [this](PanelView& view) { return makeScene(view); }),
+      controller_(program.model(),
+                  MenuBarServices{program.mainQueue(), program.clock(), program.defaults(),
+                                  program.workspace(), desktop_.application(), desktop_.screens(),
+                                  desktop_.inputEvents(), windows_, desktop_.displayLinks(),
+                                  statusBar_, routePicker_, look_, updater_},
+                  [this](PanelView& view) { return makeScene(view); }),
       readying_(program.mainQueue().after(readyingDelay, findFonts)) {
   desktop_.setOwnAreas([this] {
     const auto icon = controller_.iconFrame();
@@ -74,13 +75,22 @@ void LinuxPanel::explainSetUp(AudioPermission::Status permission) {
 }
 
 std::shared_ptr<HostedView> LinuxPanel::makeScene(PanelView& view) {
-  auto scene = std::make_shared<PanelScene>(view, look_);
-  scene->setScreenMapping([this](const Rect& inScene) {
+  if (!parts_) {
+    std::string problem;
+    PanelModule* module = loadPanelModule(problem);
+    if (module == nullptr) {
+      logger.error("the panel cannot be loaded: " + problem);
+      notifier_.show("Plemora",
+                     "The panel cannot be shown: a part of the program is missing. " + problem);
+      return nullptr;
+    }
+    parts_ = module->makeParts(desktop_, queue_);
+  }
+  return parts_->makeScene(view, look_, [this](const Rect& inScene) {
     const Rect panel = controller_.panel().frame();
     return Rect{panel.x + inScene.x, panel.maxY() - inScene.y - inScene.height, inScene.width,
                 inScene.height};
   });
-  return scene;
 }
 
 }  // namespace plemora

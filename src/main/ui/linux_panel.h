@@ -15,15 +15,15 @@
 #include "app/services/updater.h"
 #include "main/desktop_ui.h"
 #include "main/linux_program.h"
+#include "main/ui/panel_module.h"
 #include "menubar/status_item_controller.h"
 #include "skin/look/control_center_look.h"
 
 namespace plemora {
 
-class PanelScene;
-
 /// The icon in the tray and the panel below it, on the desktop that the QGuiApplication runs on.
-/// Main thread; destroyed before the QGuiApplication and before the program.
+/// What draws the panel is loaded when it opens for the first time. Main thread; destroyed before
+/// the QGuiApplication and before the program.
 class LinuxPanel : public Panel {
  public:
   LinuxPanel(LinuxProgram& program, const QDBusConnection& bus, const std::string& version);
@@ -34,11 +34,28 @@ class LinuxPanel : public Panel {
   void open() override;
 
  private:
+  /// Those of the parts, which are there before the first panel is made.
+  class PanelWindows : public Windows {
+   public:
+    explicit PanelWindows(std::unique_ptr<PanelParts>& parts) : parts_(parts) {}
+    [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(
+        const PanelWindowOptions& options) override {
+      return parts_->windows().makePanel(options);
+    }
+
+   private:
+    std::unique_ptr<PanelParts>& parts_;
+  };
+
   void explainSetUp(AudioPermission::Status permission);
   std::shared_ptr<HostedView> makeScene(PanelView& view);
 
+  MainQueue& queue_;
+
   // The order matters: what is used stands before its users.
   LinuxDesktop desktop_;
+  std::unique_ptr<PanelParts> parts_;
+  PanelWindows windows_{parts_};
   PortalAppearance appearance_;
   ControlCenterLook look_;
   DesktopNotifier notifier_;

@@ -1,11 +1,13 @@
 #include <QGuiApplication>
+#include <cstdio>
 #include <memory>
+#include <string>
 
 #include "adapters/linux/dbus/mixer_names.h"
 #include "adapters/linux/windows/linux_desktop.h"
 #include "main/desktop_ui.h"
-#include "main/gallery/gallery.h"
 #include "main/ui/linux_panel.h"
+#include "main/ui/panel_module.h"
 
 namespace plemora {
 
@@ -27,7 +29,13 @@ class UiModule : public DesktopUi {
   }
 
   int renderScreenshots(const std::string& folder) override {
-    return plemora::renderScreenshots(folder);
+    std::string problem;
+    PanelModule* module = loadPanelModule(problem);
+    if (module == nullptr) {
+      std::fprintf(stderr, "plemora: the panel cannot be loaded: %s\n", problem.c_str());
+      return 1;
+    }
+    return module->renderScreenshots(folder);
   }
 };
 

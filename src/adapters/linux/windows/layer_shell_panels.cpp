@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "adapters/linux/windows/layer_shell_host.h"
-#include "adapters/linux/windows/screen_space.h"
 
 namespace plemora {
 
@@ -33,16 +32,6 @@ std::shared_ptr<LayerShellSession> LayerShellPanels::session() {
                                   [this](const QPointF& place) { input_.pointer = place; }});
   session_ = result;
   return result;
-}
-
-Point LayerShellPanels::Input::pointerLocation() {
-  return pointer ? ScreenSpace::current().toGlobal(*pointer) : QtInputEvents::pointerLocation();
-}
-
-void LayerShellPanels::Input::pressedElsewhere(const InputEvent& event) {
-  for (const auto& entry : global_.wanting(event.type)) {
-    entry->handler(event);
-  }
 }
 
 }  // namespace plemora

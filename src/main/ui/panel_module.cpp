@@ -1,0 +1,49 @@
+#include "main/ui/panel_module.h"
+
+#include <memory>
+#include <utility>
+
+#include "adapters/linux/windows/linux_panels.h"
+#include "main/gallery/gallery.h"
+#include "views/panel_scene.h"
+
+namespace plemora {
+
+namespace {
+
+class LinuxPanelParts : public PanelParts {
+ public:
+  LinuxPanelParts(LinuxDesktop& desktop, MainQueue& queue) : panels_(desktop, queue) {}
+
+  Windows& windows() override { return panels_; }
+
+  std::shared_ptr<HostedView> makeScene(PanelView& view, const ControlCenterLook& look,
+                                        ScreenMapping toScreen) override {
+    auto scene = std::make_shared<PanelScene>(view, look);
+    scene->setScreenMapping(std::move(toScreen));
+    return scene;
+  }
+
+ private:
+  LinuxPanels panels_;
+};
+
+class LinuxPanelModule : public PanelModule {
+ public:
+  std::unique_ptr<PanelParts> makeParts(LinuxDesktop& desktop, MainQueue& queue) override {
+    return std::make_unique<LinuxPanelParts>(desktop, queue);
+  }
+
+  int renderScreenshots(const std::string& folder) override {
+    return plemora::renderScreenshots(folder);
+  }
+};
+
+}  // namespace
+
+}  // namespace plemora
+
+extern "C" plemora::PanelModule* plemoraPanelModule() {
+  static plemora::LinuxPanelModule module;
+  return &module;
+}
