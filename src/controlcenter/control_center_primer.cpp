@@ -101,13 +101,13 @@ void ControlCenterPrimer::enterEditMode() {
 }
 
 void ControlCenterPrimer::leaveEditMode(const AccessibilityElementPointer& button) {
-  if (locator_.isEditing()) {
-    button->perform(pressAction);
-  }
-  steps_.after(leaveDelay, [this] {
-    steps_.after(closeDelay, [this] {
+  const bool isLeaving = !locator_.isEditing() || button->perform(pressAction);
+  steps_.after(leaveDelay, [this, isLeaving] {
+    steps_.after(closeDelay, [this, isLeaving] {
+      // A press that was reported as failed may have been one all the same.
+      const bool hasLeft = isLeaving || !locator_.isEditing();
       pressMenuItem();
-      finish(true);
+      finish(hasLeft);
     });
   });
 }
@@ -146,7 +146,9 @@ void ControlCenterPrimer::poll(const std::shared_ptr<Wait>& wait) {
     wait->then(result);
     return;
   }
-  steps_.after(pollInterval, [this, wait] { poll(wait); });
+  // The last check falls on the deadline.
+  steps_.after(std::min(pollInterval, wait->timeout - passed.count()),
+               [this, wait] { poll(wait); });
 }
 
 AccessibilityElementPointer ControlCenterPrimer::control() const {

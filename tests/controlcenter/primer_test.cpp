@@ -11,6 +11,7 @@
 #include "controlcenter/accessibility_helpers.h"
 #include "controlcenter/control_center_primer.h"
 #include "controlcenter/control_center_world.h"
+#include "support/obedient_control_center.h"
 
 namespace plemora {
 namespace {
@@ -21,60 +22,20 @@ using testing::IsEmpty;
 using ElementID = ScriptedAccessibility::ElementID;
 using Absence = ControlCenterPrimer::Absence;
 
-/// A Control Center that does what its buttons say, a while after they were pressed, and writes
-/// down who pressed what when.
+/// Writes down who presses what when, and what comes of it.
 struct PrimerWorld : ControlCenterWorld {
-  double openDelay = 0;
-  double editDelay = 0;
-  bool hasEditButton = true;
-  bool isOpen = false;
-  bool isEditing = false;
+  ObedientControlCenter center{main, workspace, accessibility, windowList};
   std::vector<std::string> log;
-  std::vector<Timer> timers;
   std::optional<ControlCenterPrimer> primer;
 
-  PrimerWorld() { primer.emplace(locator, accessibility, workspace, main, clock); }
+  PrimerWorld() {
+    center.pressed = [this](const std::string& what) { note(what); };
+    primer.emplace(locator, accessibility, workspace, main, clock);
+  }
 
   void launchWithItem() {
-    launch();
-    appear();
-  }
-
-  /// The menu bar item and the panel's window, which has its elements also while it is closed.
-  void appear() {
-    accessibility.setAction(addMenuItem(), "AXPress", [this] {
-      note("item");
-      timers.push_back(main.after(openDelay, [this] { setOpen(!isOpen); }));
-    });
-    const ElementID window =
-        accessibility.add(accessibility.root(pid), "AXWindows", {{"AXRole", "AXWindow"}});
-    if (!hasEditButton) {
-      return;
-    }
-    const ElementID button = accessibility.add(window, "AXChildren", {{"AXRole", "AXButton"}});
-    accessibility.setFrame(button, {1100, 560, 120, 24});
-    accessibility.setAction(button, "AXPress", [this] {
-      note("edit");
-      timers.push_back(main.after(editDelay, [this] {
-        isEditing = !isEditing;
-        updateWindows();
-      }));
-    });
-  }
-
-  void setOpen(bool value) {
-    isOpen = value;
-    updateWindows();
-  }
-
-  void updateWindows() {
-    windowList.windows.clear();
-    if (isOpen) {
-      windowList.windows.push_back(window({1050, 0, 340, 600}, panelLayer));
-    }
-    if (isEditing) {
-      windowList.windows.push_back(window({0, 0, 1440, 900}, panelLayer));
-    }
+    center.launch();
+    center.appear();
   }
 
   void note(const std::string& what) {
@@ -103,13 +64,13 @@ struct PrimerWorld : ControlCenterWorld {
 TEST(PrimerTest, OpensEditsLeavesAndClosesInItsOwnTime) {
   PrimerWorld world;
   world.launchWithItem();
-  world.openDelay = 0.32;
-  world.editDelay = 0.61;
+  world.center.openDelay = 0.32;
+  world.center.editDelay = 0.61;
   world.prime();
   world.main.advance(20);
   EXPECT_THAT(world.log,
               ElementsAre("0.00 item", "0.35 edit", "1.00 edit", "2.30 item", "3.50 done"));
-  EXPECT_FALSE(world.isOpen || world.isEditing);
+  EXPECT_FALSE(world.center.isOpen || world.center.isEditing);
   EXPECT_EQ(world.main.pendingTimers(), 0);
 
   world.prime();
@@ -134,10 +95,10 @@ TEST(PrimerTest, WaitsForEachStepAsLongAsItMayAndNoLonger) {
            {5.9, 1.9, 2.9, std::nullopt},
        }) {
     PrimerWorld world;
-    world.openDelay = each.openDelay;
-    world.editDelay = each.editDelay;
-    world.launch();
-    world.timers.push_back(world.main.after(each.itemDelay, [&] { world.appear(); }));
+    world.center.openDelay = each.openDelay;
+    world.center.editDelay = each.editDelay;
+    world.center.launch();
+    const Timer appearing = world.main.after(each.itemDelay, [&] { world.center.appear(); });
     world.prime();
     const double failsAt = each.failsAt.value_or(0);
     if (each.failsAt) {
@@ -198,7 +159,7 @@ TEST(PrimerTest, WaitsForAControlCenterThatIsStartedAnewMeanwhile) {
   world.launch();
   world.prime();
   world.main.advance(0.5);
-  world.quit();
+  world.center.quit();
   world.main.advance(1);
   EXPECT_EQ(world.result(), std::nullopt);
   world.launchWithItem();
@@ -209,31 +170,32 @@ TEST(PrimerTest, WaitsForAControlCenterThatIsStartedAnewMeanwhile) {
 TEST(PrimerTest, ClosesWhatItOpenedForNothing) {
   for (const bool hasButton : {false, true}) {
     PrimerWorld world;
-    world.hasEditButton = hasButton;
-    world.editDelay = 100;
+    world.center.hasEditButton = hasButton;
+    world.center.editDelay = 100;
     world.launchWithItem();
     world.prime();
     world.main.advance(20);
     EXPECT_EQ(world.result(), false);
-    EXPECT_FALSE(world.isOpen);
+    EXPECT_FALSE(world.center.isOpen);
     EXPECT_THAT(world.log.front(), "0.00 item");
     EXPECT_EQ(world.log.size(), hasButton ? 4U : 3U);
   }
 }
 
 TEST(PrimerTest, FailsOnceWhenTrustOrControlCenterGoesHalfWay) {
-  for (const double moment : {0.1, 0.5, 1.2, 1.8}) {
+  for (const double moment : {0.1, 0.5, 0.97, 1.2, 1.8}) {
     for (const bool quits : {false, true}) {
       PrimerWorld world;
-      world.openDelay = 0.32;
-      world.editDelay = 0.61;
+      world.center.openDelay = 0.32;
+      world.center.editDelay = 0.61;
       world.launchWithItem();
       world.prime();
       world.main.advance(moment);
-      world.timers.clear();
-      quits ? world.quit() : world.accessibility.setTrusted(false);
-      world.windowList.windows.clear();
-      world.isOpen = world.isEditing = false;
+      if (quits) {
+        world.center.quit();
+      } else {
+        world.accessibility.setTrusted(false);
+      }
       world.main.advance(20);
       // Past the edit button nothing is left to be waited for.
       EXPECT_EQ(world.result(), moment > 1) << moment;
@@ -244,7 +206,7 @@ TEST(PrimerTest, FailsOnceWhenTrustOrControlCenterGoesHalfWay) {
 
 TEST(PrimerTest, ASecondCallJoinsTheChainThatRuns) {
   PrimerWorld world;
-  world.openDelay = 0.3;
+  world.center.openDelay = 0.3;
   world.launchWithItem();
   std::vector<int> told;
   world.primer->prime([&](bool) { told.push_back(1); });
@@ -266,11 +228,11 @@ TEST(PrimerTest, ASecondCallJoinsTheChainThatRuns) {
 TEST(PrimerTest, NothingHappensOnceItIsGone) {
   for (const double moment : {0.0, 0.1, 1.2, 2.5}) {
     PrimerWorld world;
-    world.openDelay = 0.3;
+    world.center.openDelay = 0.3;
     world.launchWithItem();
     world.prime();
     world.main.advance(moment);
-    world.timers.clear();
+    world.center.timers.clear();
     world.primer.reset();
     const auto before = world.log;
     EXPECT_EQ(world.main.pendingTimers(), 0);
