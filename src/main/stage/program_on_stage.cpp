@@ -105,7 +105,7 @@ AppServices ProgramOnStage::services(Run& run, const std::vector<std::string>& a
           desktop.systemInfo,
           run.launchAtLogin,
           arguments,
-          makeMixer,
+          makeModel,
           [this, &run](PanelView& view) { return face_.makeContent(view, run.look); },
           [this](const std::string& line) { printed_.push_back(line); },
           [this](int status) { later([this, status] { end(status); }); }};
