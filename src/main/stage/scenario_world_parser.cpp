@@ -203,9 +203,8 @@ ScenarioPlayer readPlayer(const ScenarioPart& part) {
 }
 
 ScenarioWorld readStage(const ScenarioPart& part) {
-  part.allow({"screens", "appearance", "wallpaper", "trusted", "consent", "system", "build",
-              "layout", "control center comes back after", "control center opens after", "defaults",
-              "devices", "players", "arguments"});
+  part.allow({"screens", "appearance", "wallpaper", "trusted", "consent", "system", "build", "layout",
+              "control center", "forgets controls", "defaults", "devices", "players", "arguments"});
   ScenarioWorld world;
   readWorld(part, world);
   part.read("devices", world.devices, [](const ScenarioPart& list) {

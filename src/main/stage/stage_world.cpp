@@ -52,6 +52,7 @@ ScenarioWorld usualWorld() {
   world.isDark = true;
   world.isTrusted = true;
   world.consent = ScenarioConsent::granted;
+  world.controlCenter.editDelay = 0.5;
   world.devices = {{"speakers", "Built-in Speakers", "built-in", 0.6, false}};
   return world;
 }

@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "journeys/plain_panel.h"
+#include "main/stage/program_on_stage.h"
+#include "main/stage/scenario_runner.h"
+
+namespace plemora {
+namespace {
+
+std::vector<std::string> scenarioNames() {
+  std::vector<std::string> names;
+  for (const auto& file : std::filesystem::directory_iterator(PLEMORA_SCENARIOS)) {
+    if (file.path().extension() == ".json") {
+      names.push_back(file.path().stem().string());
+    }
+  }
+  std::ranges::sort(names);
+  return names;
+}
+
+/// Plays a scenario with everything but the drawing, on the virtual clock.
+struct Journey {
+  explicit Journey(const Scenario& scenario)
+      : world(scenario),
+        program(world, {world.desktop.windows,
+                        [](PanelView& view, const ControlCenterLook&) {
+                          return std::make_shared<PlainPanel>(view);
+                        }}),
+        runner(scenario, world, program,
+               {.controls = [this] { return PlainPanel::controls(world.desktop); },
+                .screenshot = [this](const std::string& name) { pictures.push_back(name); }}) {}
+
+  StageWorld world;
+  ProgramOnStage program;
+  std::vector<std::string> pictures;
+  ScenarioRunner runner;
+};
+
+struct JourneysTest : testing::TestWithParam<std::string> {};
+
+TEST_P(JourneysTest, GoesAsItShould) {
+  Journey journey(loadScenario(std::string(PLEMORA_SCENARIOS) + "/" + GetParam() + ".json"));
+  EXPECT_TRUE(journey.runner.run()) << journey.runner.problem();
+  std::vector<std::string> names = journey.pictures;
+  std::ranges::sort(names);
+  EXPECT_EQ(std::ranges::adjacent_find(names), names.end()) << "a picture would replace another";
+}
+
+std::string testNameOf(const testing::TestParamInfo<std::string>& info) {
+  std::string name;
+  bool isFirst = true;
+  for (const char c : info.param) {
+    if (c == '-') {
+      isFirst = true;
+    } else {
+      name += isFirst ? static_cast<char>(std::toupper(c)) : c;
+      isFirst = false;
+    }
+  }
+  return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, JourneysTest, testing::ValuesIn(scenarioNames()), testNameOf);
+
+}  // namespace
+}  // namespace plemora
