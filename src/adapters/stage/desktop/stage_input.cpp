@@ -55,7 +55,8 @@ void StageInput::deliver(const StageWindowRecord& window, StagePointerEvent::Pha
 void StageInput::movePointer(const Point& location) {
   pointer = location;
   if (grabbed_) {
-    if (const auto window = current(grabbed_->number)) {
+    const auto window = wasSwallowed_ ? std::nullopt : current(grabbed_->number);
+    if (window) {
       deliver(*window, StagePointerEvent::Phase::dragged, grabButton_);
     }
     return;
@@ -81,24 +82,21 @@ void StageInput::press(StageButton button) {
       return;
     }
   }
-  const auto type = pressType(button);
-  if (type && !passesMonitors({*type, 0, pointer}, hit && isProgram(*hit))) {
-    return;
-  }
-  // A monitor may have taken the window away.
-  const auto window = hit ? current(hit->number) : std::nullopt;
-  if (!window) {
-    return;
-  }
-  grabbed_ = window;
+  grabbed_ = hit;
   grabButton_ = button;
-  deliver(*window, StagePointerEvent::Phase::pressed, button);
+  const auto type = pressType(button);
+  wasSwallowed_ = type && !passesMonitors({*type, 0, pointer}, hit && isProgram(*hit));
+  // A monitor may have taken the window away.
+  const auto window = hit && !wasSwallowed_ ? current(hit->number) : std::nullopt;
+  if (window) {
+    deliver(*window, StagePointerEvent::Phase::pressed, button);
+  }
 }
 
 void StageInput::release(StageButton button) {
   pressed_ &= ~bit(button);
   const auto grabbed = std::exchange(grabbed_, std::nullopt);
-  const auto window = grabbed ? current(grabbed->number) : std::nullopt;
+  const auto window = grabbed && !wasSwallowed_ ? current(grabbed->number) : std::nullopt;
   if (button == StageButton::left &&
       !passesMonitors({InputEventType::leftMouseUp, 0, pointer}, grabbed && isProgram(*grabbed))) {
     return;

@@ -43,6 +43,7 @@ class StageInput : public ScriptedInputEvents {
   unsigned pressed_ = 0;
   std::optional<StageWindowRecord> grabbed_;  // by the button that is down
   StageButton grabButton_ = StageButton::left;
+  bool wasSwallowed_ = false;                 // that press, by a local monitor
   std::optional<StageWindowRecord> entered_;  // under the pointer
 };
 

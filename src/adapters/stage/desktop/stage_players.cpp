@@ -1,6 +1,7 @@
 #include "adapters/stage/desktop/stage_players.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -13,9 +14,12 @@ namespace plemora {
 
 namespace {
 
-constexpr AudioObjectPropertyAddress defaultOutput{kAudioHardwarePropertyDefaultOutputDevice,
-                                                   kAudioObjectPropertyScopeGlobal,
-                                                   kAudioObjectPropertyElementMain};
+/// What decides where a player is heard.
+constexpr std::array<AudioObjectPropertyAddress, 2> outputAddresses{
+    {{kAudioHardwarePropertyDefaultOutputDevice, kAudioObjectPropertyScopeGlobal,
+      kAudioObjectPropertyElementMain},
+     {kAudioHardwarePropertyDevices, kAudioObjectPropertyScopeGlobal,
+      kAudioObjectPropertyElementMain}}};
 constexpr double sampleRate = 48000;
 constexpr Size windowSize{240, 120};
 
@@ -33,12 +37,16 @@ StagePlayers::StagePlayers(SimulatedHal& hal, StageWorkspace& workspace,
     : hal_(hal),
       workspace_(workspace),
       numbers_(numbers),
-      outputChanged_(std::make_shared<AudioListenerBlock>([this](auto) { route(); })) {
-  hal_.addListener(kAudioObjectSystemObject, defaultOutput, outputChanged_);
+      outputsChanged_(std::make_shared<AudioListenerBlock>([this](auto) { route(); })) {
+  for (const auto& address : outputAddresses) {
+    hal_.addListener(kAudioObjectSystemObject, address, outputsChanged_);
+  }
 }
 
 StagePlayers::~StagePlayers() {
-  hal_.removeListener(kAudioObjectSystemObject, defaultOutput, outputChanged_);
+  for (const auto& address : outputAddresses) {
+    hal_.removeListener(kAudioObjectSystemObject, address, outputsChanged_);
+  }
 }
 
 StagePlayer& StagePlayers::start(const std::string& bundleID, const std::string& name,

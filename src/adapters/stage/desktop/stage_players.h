@@ -67,7 +67,7 @@ class StagePlayers : public StageWindowOwner {
   int started_ = 0;
   Point grip_;  // of the window that is being moved, from its origin
   bool isOnButton_ = false;
-  std::shared_ptr<AudioListenerBlock> outputChanged_;
+  std::shared_ptr<AudioListenerBlock> outputsChanged_;
 };
 
 }  // namespace plemora

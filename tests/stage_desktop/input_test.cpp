@@ -1,0 +1,271 @@
+#include "adapters/stage/scripted_hosted_view.h"
+#include "stage_desktop/desk.h"
+
+namespace plemora {
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// A view that keeps what reaches it.
+class Client : public ScriptedHostedView, public StageWindowClient {
+ public:
+  std::vector<StagePointerEvent> pointers;
+  std::vector<StageScrollEvent> scrolls;
+  std::vector<StageKeyEvent> keys;
+
+  void pointer(const StagePointerEvent& event) override { pointers.push_back(event); }
+  void scroll(const StageScrollEvent& event) override { scrolls.push_back(event); }
+  void key(const StageKeyEvent& event) override { keys.push_back(event); }
+
+  std::vector<StagePointerEvent::Phase> takePhases() {
+    std::vector<StagePointerEvent::Phase> phases;
+    for (const StagePointerEvent& event : std::exchange(pointers, {})) {
+      phases.push_back(event.phase);
+    }
+    return phases;
+  }
+};
+
+using Phase = StagePointerEvent::Phase;
+
+class Input : public Desk {
+ protected:
+  std::shared_ptr<Client> clientIn(PanelWindow& window) {
+    auto client = std::make_shared<Client>();
+    window.surface().setContent(client);
+    return client;
+  }
+
+  StageWindow* windowAt(const Point& location) {
+    const auto hit = desktop->windowServer.hit(location);
+    return hit && hit->kind == StageWindowKind::program ? std::get<StageWindow*>(hit->model)
+                                                        : nullptr;
+  }
+};
+
+TEST_F(Input, FindsTheFrontmostWindowThatTakesThePointer) {
+  const Rect frame{100, 100, 200, 200};
+  const Point inside{150, 150};
+  const auto low = showPanel(frame, 3);
+  const auto high = showPanel(frame, 5);
+  EXPECT_EQ(windowAt(inside), high.get());
+  low->order(WindowOrder::front);
+  EXPECT_EQ(windowAt(inside), high.get()) << "the level counts first";
+  const auto beside = showPanel(frame, 5);
+  EXPECT_EQ(windowAt(inside), beside.get()) << "then who came forward last";
+  high->order(WindowOrder::frontRegardless);
+  EXPECT_EQ(windowAt(inside), high.get());
+  const auto through = showPanel(frame, 9, true);
+  EXPECT_EQ(windowAt(inside), high.get()) << "clicks go through it";
+  const auto clear = showPanel(frame, 9);
+  clear->setAlpha(0);
+  EXPECT_EQ(windowAt(inside), high.get()) << "nobody sees it";
+  high->order(WindowOrder::out);
+  EXPECT_EQ(windowAt(inside), beside.get());
+  // The edges at the minimum belong to a window, those at the maximum do not.
+  EXPECT_EQ(windowAt({100, 100}), beside.get());
+  EXPECT_EQ(windowAt({300, 150}), nullptr);
+  EXPECT_EQ(windowAt({150, 300}), nullptr);
+  // The list says the same, with y down.
+  const auto all = windowsOf(StageWindowKind::program);
+  ASSERT_EQ(all.size(), 4U);
+  EXPECT_EQ(all[0].bounds, (Rect{100, 600, 200, 200}));
+  EXPECT_EQ(all[3].layer, 3);
+}
+
+TEST_F(Input, TakesPressesToTheProgramPastItsLocalMonitors) {
+  const auto window = showPanel({100, 100, 200, 200});
+  const auto client = clientIn(*window);
+  std::vector<InputEvent> global;
+  std::vector<InputEvent> local;
+  bool isSwallowed = false;
+  const unsigned all = leftMouseDownMask | leftMouseUpMask | rightMouseDownMask;
+  const auto globalMonitor =
+      desktop->input.monitorGlobal(all, [&](const InputEvent& event) { global.push_back(event); });
+  const auto localMonitor = desktop->input.monitorLocal(all, [&](const InputEvent& event) {
+    local.push_back(event);
+    return isSwallowed;
+  });
+
+  desktop->click({150, 280});
+  EXPECT_THAT(global, IsEmpty());
+  ASSERT_EQ(local.size(), 2U);
+  EXPECT_EQ(local[0].type, InputEventType::leftMouseDown);
+  EXPECT_EQ(local[0].location, (Point{150, 280}));
+  EXPECT_EQ(local[1].type, InputEventType::leftMouseUp);
+  ASSERT_EQ(client->pointers.size(), 3U);
+  EXPECT_EQ(client->pointers[1].position, (Point{50, 20})) << "y down from the top left corner";
+  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved, Phase::pressed, Phase::released));
+
+  isSwallowed = true;
+  desktop->click({150, 280}, StageButton::right);
+  desktop->click({150, 280});
+  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved, Phase::moved));
+
+  local.clear();
+  desktop->click({20, 500});
+  desktop->click({20, 500}, StageButton::right);
+  EXPECT_THAT(local, IsEmpty());
+  ASSERT_EQ(global.size(), 3U);
+  EXPECT_EQ(global[2].type, InputEventType::rightMouseDown);
+}
+
+TEST_F(Input, AWindowThatGoesInItsMonitorGetsNoPress) {
+  auto window = showPanel({100, 100, 200, 200});
+  const auto client = clientIn(*window);
+  const auto monitor = desktop->input.monitorLocal(leftMouseDownMask, [&](const InputEvent&) {
+    window.reset();
+    return false;
+  });
+  desktop->click({150, 150});
+  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved));
+}
+
+TEST_F(Input, ADragStaysWithTheWindowThatItBeganIn) {
+  const auto window = showPanel({100, 100, 200, 200});
+  const auto client = clientIn(*window);
+  const auto other = showPanel({400, 100, 200, 200});
+  const auto otherClient = clientIn(*other);
+  desktop->drag({150, 150}, {450, 150}, 0.05);
+  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved, Phase::pressed, Phase::dragged,
+                                                Phase::dragged, Phase::dragged, Phase::released));
+  EXPECT_THAT(otherClient->takePhases(), IsEmpty());
+  EXPECT_EQ(desktop->input.pressedButtons(), 0U);
+  desktop->movePointer({460, 150});
+  desktop->movePointer({700, 150});
+  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::left));
+  EXPECT_THAT(otherClient->takePhases(), ElementsAre(Phase::moved, Phase::left));
+
+  desktop->press({150, 150}, StageButton::right);
+  EXPECT_EQ(desktop->input.pressedButtons(), 2U);
+  desktop->release(StageButton::right);
+  desktop->scroll({150, 150}, 0, -12, -1);
+  ASSERT_EQ(client->scrolls.size(), 1U);
+  EXPECT_EQ(client->scrolls[0].steps, -1);
+}
+
+TEST_F(Input, KeysGoToWhoeverClaimedTheKeyboardLast) {
+  const auto window = showPanel({100, 100, 200, 200});
+  const auto client = clientIn(*window);
+  int local = 0;
+  int global = 0;
+  const auto localMonitor = desktop->input.monitorLocal(keyDownMask, [&](const InputEvent& event) {
+    ++local;
+    return event.keyCode == escapeKeyCode;
+  });
+  const auto globalMonitor =
+      desktop->input.monitorGlobal(keyDownMask, [&](const InputEvent&) { ++global; });
+
+  desktop->type("a");
+  EXPECT_EQ(std::pair(local, global), std::pair(0, 1))
+      << "a window in front need not have the keys";
+  window->order(WindowOrder::keyAndFront);
+  desktop->type("é!");
+  ASSERT_EQ(client->keys.size(), 4U);
+  EXPECT_EQ(client->keys[0].text, "é");
+  EXPECT_TRUE(client->keys[0].isDown);
+  EXPECT_FALSE(client->keys[1].isDown);
+  desktop->key(escapeKeyCode);
+  EXPECT_EQ(std::pair(local, global), std::pair(3, 1));
+
+  openCenter();
+  desktop->key(escapeKeyCode);
+  EXPECT_FALSE(center().isOpen());
+  EXPECT_EQ(std::pair(local, global), std::pair(3, 2));
+  desktop->key(escapeKeyCode);
+  EXPECT_EQ(local, 4) << "the keyboard is the program's again";
+  window->order(WindowOrder::out);
+  desktop->key(escapeKeyCode);
+  EXPECT_EQ(global, 3);
+}
+
+TEST_F(Input, TheProgramsItemStandsLeftOfTheSystemsAndActsAsItsMaskSays) {
+  std::vector<StatusButtonEvent> clicks;
+  int notches = 0;
+  int local = 0;
+  const auto monitor = desktop->input.monitorLocal(leftMouseDownMask, [&](const InputEvent&) {
+    ++local;
+    return false;
+  });
+  auto item = desktop->menuBar.makeItem(
+      {.actionMask = leftMouseDownMask | rightMouseDownMask, .accessibilityLabel = "Sound"},
+      {.clicked = [&](StatusButtonEvent event) { clicks.push_back(event); },
+       .scrolled = [&](int steps) { notches += steps; },
+       .menu = {}});
+  const Rect frame = item->frame().value();
+  EXPECT_EQ(frame.maxY(), 900);
+  EXPECT_EQ(frame.height, 24);
+  for (const auto& other : desktop->menuBar.items()) {
+    EXPECT_TRUE(other->identifier.empty() || other->frame.minX() >= frame.maxX());
+  }
+  desktop->click(middle(frame));
+  desktop->click(middle(frame), StageButton::right);
+  desktop->scroll(middle(frame), 0, 30, 2);
+  EXPECT_THAT(clicks,
+              ElementsAre(StatusButtonEvent::leftMouseDown, StatusButtonEvent::rightMouseDown));
+  EXPECT_EQ(notches, 2);
+  EXPECT_EQ(local, 1);
+  item->setHighlighted(true);
+  EXPECT_TRUE(desktop->menuBar.extra("")->isHighlighted);
+  EXPECT_EQ(desktop->menuBar.extra("")->pid, desktop->program.pid());
+  desktop->screens.set({});
+  EXPECT_FALSE(item->frame());
+  item.reset();
+  EXPECT_EQ(desktop->menuBar.extra(""), nullptr);
+}
+
+TEST_F(Input, AMenuIsAWindowWhoseEntriesAreClicked) {
+  std::string chosen;
+  std::unique_ptr<StatusItem> item;
+  int clicks = 0;
+  int elsewhere = 0;
+  const auto popUp = [&] {
+    item->popUpMenu({{"Open", [&] { chosen = "Open"; }, {}},
+                     {"", {}, {}},
+                     {"Quit", [&] { item.reset(); }, "q"}});
+  };
+  StatusItemHandlers handlers;
+  handlers.clicked = [&](StatusButtonEvent) {
+    ++clicks;
+    popUp();
+  };
+  item = desktop->menuBar.makeItem({.actionMask = leftMouseDownMask, .accessibilityLabel = "Item"},
+                                   handlers);
+  const auto monitor =
+      desktop->input.monitorGlobal(leftMouseDownMask, [&](const InputEvent&) { ++elsewhere; });
+  const Rect frame = item->frame().value();
+  desktop->click(middle(frame));
+  StageMenu& menu = desktop->menuBar.menu();
+  EXPECT_THAT(menu.titles(), ElementsAre("Open", "", "Quit"));
+  EXPECT_EQ(menu.frame().maxY(), frame.minY());
+  EXPECT_EQ(menu.frame().height, 2 * 22 + 11 + 2 * 5);
+  EXPECT_LE(menu.frame().maxX(), 1440);
+
+  desktop->click(middle(menu.itemFrame(1)));
+  EXPECT_TRUE(menu.isOpen()) << "a separator is nothing to choose";
+  desktop->click({20, 20});
+  EXPECT_FALSE(menu.isOpen());
+  EXPECT_EQ(elsewhere, 0) << "the press that closes a menu goes no further";
+
+  desktop->click(middle(frame));
+  desktop->click(middle(frame));
+  EXPECT_FALSE(menu.isOpen());
+  EXPECT_EQ(clicks, 2) << "nor does it on the item";
+  popUp();
+  desktop->key(escapeKeyCode);
+  EXPECT_FALSE(menu.isOpen());
+  popUp();
+  EXPECT_FALSE(desktop->clickMenuItem("Nothing"));
+  EXPECT_TRUE(desktop->clickMenuItem("Open"));
+  EXPECT_EQ(chosen, "Open");
+  popUp();
+  EXPECT_TRUE(desktop->clickMenuItem("Quit"));
+  EXPECT_EQ(item, nullptr);
+  EXPECT_FALSE(menu.isOpen());
+}
+
+}  // namespace
+
+}  // namespace plemora
