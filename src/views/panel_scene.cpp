@@ -60,7 +60,8 @@ class FocusWatch : public QObject {
 
 }  // namespace
 
-/// What is made at the first use.
+/// What is made at the first use. The components are read by a thread of the engine's meanwhile, so
+/// that whoever shows the scene can see to the window.
 class PanelScene::Parts {
  public:
   Parts(PanelView& view, const ControlCenterLook& look) : panel(view, look), focus_(panel) {
@@ -68,7 +69,25 @@ class PanelScene::Parts {
     engine_.addImportPath("qrc:/qt/qml");
     engine_.addImageProvider("symbol", new SymbolProvider);    // the engine owns it
     engine_.addImageProvider("appicon", new AppIconProvider);  // the engine owns it
-    QQmlComponent component(&engine_, QUrl("qrc:/qt/qml/Plemora/HostedPanel.qml"));
+    ahead_ = std::make_unique<QQmlComponent>(&engine_, url(), QQmlComponent::Asynchronous);
+  }
+
+  /// Null: it could not be made.
+  QQuickItem* item() {
+    if (ahead_ != nullptr) {
+      makeItem();
+      ahead_.reset();
+    }
+    return item_.get();
+  }
+
+  PanelBinding panel;
+
+ private:
+  static QUrl url() { return QUrl("qrc:/qt/qml/Plemora/HostedPanel.qml"); }
+
+  void makeItem() {
+    QQmlComponent component(&engine_, url());  // waits for the one that is on its way
     if (component.isError()) {
       logger.error(
           "The panel cannot be shown, since its views do not load; reinstall the program. " +
@@ -77,23 +96,19 @@ class PanelScene::Parts {
     }
     std::unique_ptr<QObject> root(
         component.createWithInitialProperties({{"panel", QVariant::fromValue(&panel)}}));
-    item.reset(qobject_cast<QQuickItem*>(root.get()));
-    if (item == nullptr) {
+    item_.reset(qobject_cast<QQuickItem*>(root.get()));
+    if (item_ == nullptr) {
       return;
     }
     root.release();
-    QObject::connect(item.get(), &QQuickItem::windowChanged, &focus_,
+    QObject::connect(item_.get(), &QQuickItem::windowChanged, &focus_,
                      [this](QQuickWindow* window) { focus_.watch(window); });
   }
 
-  PanelBinding panel;
-
- private:
   FocusWatch focus_;
   QQmlEngine engine_;
-
- public:
-  std::unique_ptr<QQuickItem> item;  // goes before the engine
+  std::unique_ptr<QQmlComponent> ahead_;  // until there is an item
+  std::unique_ptr<QQuickItem> item_;      // goes before the engine
 };
 
 PanelScene::PanelScene(PanelView& view, const ControlCenterLook& look) : view_(view), look_(look) {}
@@ -120,7 +135,7 @@ double PanelScene::fittingHeight() {
 }
 
 QQuickItem* PanelScene::item() {
-  return parts().item.get();
+  return parts().item();
 }
 
 void PanelScene::setHeightHandler(std::function<void(double)> handler) {

@@ -1,7 +1,7 @@
 #include "main/ui/linux_panel.h"
 
 #include <QFontDatabase>
-#include <QGuiApplication>
+#include <QIcon>
 #include <algorithm>
 #include <vector>
 
@@ -16,10 +16,11 @@ constexpr Logger logger("program");
 
 constexpr double readyingDelay = 0.5;  // seconds
 
-/// The first question about fonts reads the desktop's description of all of them, which takes about
-/// as long as showing the panel does. The first click shall not wait for that.
-void findFonts() {
+/// The first question about fonts or icons reads the desktop's description of all of them, which
+/// takes about as long as showing the panel does. The first click shall not wait for that.
+void findFontsAndIcons() {
   QFontDatabase::hasFamily("Inter");
+  QIcon::hasThemeIcon("audio-volume-high");
 }
 
 }  // namespace
@@ -46,7 +47,7 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
                                   desktop_.inputEvents(), windows_, desktop_.displayLinks(),
                                   statusBar_, routePicker_, look_, updater_},
                   [this](PanelView& view) { return makeScene(view); }),
-      readying_(program.mainQueue().after(readyingDelay, findFonts)) {
+      readying_(program.mainQueue().after(readyingDelay, findFontsAndIcons)) {
   desktop_.setOwnAreas([this] {
     const auto icon = controller_.iconFrame();
     return icon ? std::vector<Rect>{*icon} : std::vector<Rect>();

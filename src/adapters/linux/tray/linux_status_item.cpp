@@ -122,8 +122,8 @@ void LinuxStatusItem::clicked(StatusButtonEvent event) {
   if (isWanted && handlers_.clicked) {
     handlers_.clicked(event);
   }
-  // By now it is known which panel the item is in.
-  followShade();
+  // By now it is known which panel the item is in; what was clicked for comes first.
+  afterPaint_.start();
 }
 
 void LinuxStatusItem::scrolled(int steps) {

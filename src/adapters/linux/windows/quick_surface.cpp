@@ -92,8 +92,9 @@ void QuickSurface::setContent(std::shared_ptr<HostedView> content) {
     contentItem_ = nullptr;
   }
   content_ = std::move(content);
-  if (window_ != nullptr) {
-    showContent();
+  isContentStale_ = content_ != nullptr;
+  if (root_) {
+    root_->polish();
   }
 }
 
@@ -104,7 +105,6 @@ void QuickSurface::attach(QQuickWindow& window) {
   body_ = new QQuickItem(root_.get());
   glassItem_ = new GlassItem(body_);
   glass_.setBackdropKind(backdrop_.kind());
-  showContent();
   layOut();
 }
 
@@ -119,9 +119,6 @@ void QuickSurface::detach() {
 }
 
 void QuickSurface::showContent() {
-  if (!content_) {
-    return;
-  }
   auto* view = dynamic_cast<QuickView*>(content_.get());
   contentItem_ = view != nullptr ? view->item() : nullptr;
   if (contentItem_ == nullptr) {
@@ -129,6 +126,9 @@ void QuickSurface::showContent() {
     return;
   }
   contentItem_->setParentItem(body_);
+  if (hasKeys_) {
+    focusContent();
+  }
   layOut();
 }
 
@@ -181,6 +181,7 @@ void QuickSurface::setOpacity(double opacity) {
 }
 
 void QuickSurface::focusContent() {
+  hasKeys_ = true;
   if (contentItem_ != nullptr) {
     contentItem_->setFocus(true, Qt::ActiveWindowFocusReason);
   }
@@ -208,6 +209,9 @@ void QuickSurface::prepareFrame() {
   }
   if (std::exchange(isGlassStale_, false)) {
     glassItem_->setRaster(glass_.render());
+  }
+  if (std::exchange(isContentStale_, false)) {
+    showContent();
   }
 }
 

@@ -35,7 +35,7 @@ class QuickSurface : public PanelSurface {
   bool isFlipped() override { return true; }
 
   /// Builds the scene in the window, which must outlive the surface's items: detach() before it
-  /// goes.
+  /// goes. The content is built last, right before the first frame: it may be on its way still.
   void attach(QQuickWindow& window);
   void detach();
 
@@ -73,7 +73,9 @@ class QuickSurface : public PanelSurface {
 
   Rect frame_;  ///< of the window, in whole points
   bool isOnScreen_ = false;
+  bool hasKeys_ = false;
   bool isComposited_ = true;
+  bool isContentStale_ = false;
   bool isBackdropStale_ = true;
   bool isGlassStale_ = true;
   Subscription backdropChanges_;  // while on screen
