@@ -10,6 +10,7 @@
 #include "main/instance.h"
 #include "main/process/display_probe.h"
 #include "main/program_options.h"
+#include "main/script_mode.h"
 
 namespace {
 
@@ -24,6 +25,10 @@ int main(int argc, char** argv) {
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   std::string problem;
   const auto options = parseProgramOptions(arguments, problem);
+  if (!options && asksForScript(arguments)) {
+    std::puts(("failed: " + problem).c_str());
+    return success;
+  }
   if (!options) {
     printError(problem + "\nTry \"plemora --help\".");
     return usage;
@@ -35,6 +40,10 @@ int main(int argc, char** argv) {
   if (options->wantsVersion) {
     std::puts("plemora " PLEMORA_VERSION);
     return success;
+  }
+  if (options->script.action) {
+    std::puts(runScript(options->script).c_str());
+    return success;  // scripts read the word
   }
   // The log may go to a pipe whose reader ends first.
   std::signal(SIGPIPE, SIG_IGN);

@@ -55,11 +55,17 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
         return std::nullopt;
       }
       options.screenshots = arguments[i];
-    } else if (argument != "--log-levels") {
+    } else if (const auto taken = takeScriptOption(arguments, i, options.script, problem); !taken) {
+      return std::nullopt;
+    } else if (!*taken && argument != "--log-levels") {
       problem = (argument.starts_with('-') ? "unknown option \"" : "unexpected argument \"") +
                 argument + "\"";
       return std::nullopt;
     }
+  }
+  if (!options.script.action && (options.script.preferences || options.script.preferencesHost)) {
+    problem = "--preferences and --preferences-host go with --replace-sound or --restore-sound";
+    return std::nullopt;
   }
   options.opensPanel = PanelRequest::of(urls).has_value();
   return options;
@@ -79,6 +85,14 @@ std::string programHelp() {
          "                     detailStyle or skinStyle\n"
          "  --screenshots DIR  draw the panel in all its states into DIR, and end; needs no "
          "display\n"
+         "  --replace-sound    put Plemora in the place of Sound in the Control Center layout of\n"
+         "                     the preferences below DIR; prints \"ok\" or \"failed: ...\", ends "
+         "with 0\n"
+         "  --restore-sound    put the layout back as it was before the first replacement\n"
+         "  --prime-controls   have Control Center take notice; prints \"primed\"\n"
+         "  --preferences DIR  where those preferences are, as property-list files\n"
+         "  --preferences-host NAME\n"
+         "                     this machine's name in them; without it, its id\n"
          "  -h, --help         this text\n"
          "  --version          the version\n"
          "\n"

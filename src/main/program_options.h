@@ -4,6 +4,8 @@
 #include <span>
 #include <string>
 
+#include "main/script_options.h"
+
 namespace plemora {
 
 /// A command line of plemora, understood. Options that the engine reads by itself (--log-levels,
@@ -12,8 +14,9 @@ struct ProgramOptions {
   bool withoutWindow = false;
   bool wantsHelp = false;
   bool wantsVersion = false;
-  bool opensPanel = false;  ///< a URL among the arguments asks for it
+  bool opensPanel = false;                 ///< a URL among the arguments asks for it
   std::optional<std::string> screenshots;  ///< folder to draw pictures of the panel into
+  ScriptOptions script;
 };
 
 /// Reads the arguments that follow the name of the program. None when they are wrong; problem
