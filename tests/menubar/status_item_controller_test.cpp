@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <utility>
 
 #include "menubar/menu_bar_world.h"
 
@@ -64,6 +65,20 @@ TEST_F(StatusItemControllerTest, TheFirstOpeningMakesThePanelForGood) {
   controller.open(Anchor::menuBar);
   EXPECT_EQ(world.contentsMade, 1);
   EXPECT_EQ(world.windows.made(), 1);
+}
+
+TEST_F(StatusItemControllerTest, StaysClosedWhileThereIsNoContentAndTriesAgain) {
+  StatusItemController& controller = world.startItem();
+  const auto content = std::exchange(world.content, nullptr);
+  controller.open(Anchor::menuBar);
+  EXPECT_FALSE(controller.isPanelVisible());
+  EXPECT_THAT(world.windows.windows(), IsEmpty());
+  EXPECT_EQ(monitors(), 0);
+
+  world.content = content;
+  controller.open(Anchor::menuBar);
+  EXPECT_TRUE(controller.isPanelVisible());
+  EXPECT_EQ(world.contentsMade, 2);
 }
 
 TEST_F(StatusItemControllerTest, ShowsTheVolumeAsItIs) {
