@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <string>
 #include <vector>
 
-#include "journeys/plain_panel.h"
-#include "main/stage/program_on_stage.h"
-#include "main/stage/scenario_runner.h"
+#include "journeys/journey.h"
 
 namespace plemora {
 namespace {
@@ -22,24 +21,6 @@ std::vector<std::string> scenarioNames() {
   std::ranges::sort(names);
   return names;
 }
-
-/// Plays a scenario with everything but the drawing, on the virtual clock.
-struct Journey {
-  explicit Journey(const Scenario& scenario)
-      : world(scenario),
-        program(world, {world.desktop.windows,
-                        [](PanelView& view, const ControlCenterLook&) {
-                          return std::make_shared<PlainPanel>(view);
-                        }}),
-        runner(scenario, world, program,
-               {.controls = [this] { return PlainPanel::controls(world.desktop); },
-                .screenshot = [this](const std::string& name) { pictures.push_back(name); }}) {}
-
-  StageWorld world;
-  ProgramOnStage program;
-  std::vector<std::string> pictures;
-  ScenarioRunner runner;
-};
 
 struct JourneysTest : testing::TestWithParam<std::string> {};
 
