@@ -59,7 +59,7 @@ class AppDelegate {
 
   /// Called once, first of all.
   void applicationDidFinishLaunching();
-  /// URLs of the program's scheme that the desktop hands over, also while the program starts.
+  /// URLs of the program's scheme that the desktop hands over; ignored before start-up.
   void applicationOpen(const std::vector<std::string>& urls);
   /// The user has started the running program again. False: nothing else is to be done about it.
   bool applicationShouldHandleReopen(bool hasVisibleWindows);

@@ -41,9 +41,7 @@ TEST(AppDelegateTest, TheFirstStartGoesStepByStep) {
 
 TEST(AppDelegateTest, ALaterStartKeepsTheReplacementAndDoesTheRestInOrder) {
   AppWorld world;
-  world.storeLayout(2, false);
-  world.defaults.setBoolean("soundReplaced", true);
-  world.defaults.setBoolean("didCompleteSetup", true);
+  world.setUp();
   world.defaults.setBoolean("didRegisterLoginItem", true);
   world.launch({"--open", "--prime-controls"});
   world.center.launch();
@@ -234,9 +232,7 @@ TEST(AppDelegateTest, AnUpdateOfTheSystemPrimesTheControlsFourSecondsLater) {
 
 TEST(AppDelegateTest, PrimingThatFailedIsTriedAgainAtTheNextStart) {
   AppWorld world;
-  world.storeLayout(2, false);
-  world.defaults.setBoolean("didCompleteSetup", true);
-  world.defaults.setBoolean("soundReplaced", true);
+  world.setUp();
   world.defaults.setString("tilesRefreshedForBuild", ownStamp);
   world.center.editDelay = 100;
   world.launch();

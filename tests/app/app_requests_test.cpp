@@ -187,9 +187,7 @@ TEST(AppLifeTest, StartingItAgainIsAnsweredByTheProgramItself) {
 
 TEST(AppLifeTest, NothingIsLeftOnceItIsGone) {
   AppWorld world;
-  world.storeLayout(2, false);
-  world.defaults.setBoolean("soundReplaced", true);
-  world.defaults.setBoolean("didCompleteSetup", true);
+  world.setUp();
   world.launch({"--open", "--prime-controls"});
   world.delegate->applicationOpen({"com.quorvane.mixer://panel"});
   world.notifications.post("com.quorvane.mixer.tile-pressed");
