@@ -168,6 +168,8 @@ bool AppDelegate::runScript() {
     } else {
       services_.layout.restore();
     }
+    // What the next start keeps in place, and the next end undoes.
+    services_.menuBar.defaults.setBoolean(soundReplacedKey, replaces);
     services_.print("ok");
   } catch (const std::exception& error) {
     services_.print(std::string("failed: ") + error.what());

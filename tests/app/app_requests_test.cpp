@@ -73,6 +73,9 @@ TEST(AppArgumentsTest, ScriptModePrintsOneLineAndEndsWithSuccessEitherWay) {
     EXPECT_EQ(world.events.lines.end()[-1], "0.00 exit 0") << what;
     EXPECT_EQ(world.tiles(), each.isReplacedAfter ? 2U : 0U) << what;
     EXPECT_EQ(world.hasSound(), !each.isReplacedAfter) << what;
+    EXPECT_EQ(world.defaults.boolean("soundReplaced"),
+              each.printed == "ok" ? std::optional(each.isReplacedAfter) : std::nullopt)
+        << what;
     EXPECT_THAT(world.events.lines, Contains("0.00 tile signal")) << what;
     world.pass(20);
     EXPECT_EQ(world.panelX(), std::nullopt) << what;
