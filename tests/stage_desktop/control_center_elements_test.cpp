@@ -6,8 +6,6 @@ namespace plemora {
 
 namespace {
 
-using testing::Contains;
-using testing::Not;
 
 using Elements = std::vector<AccessibilityElementPointer>;
 
@@ -114,6 +112,11 @@ TEST_F(ControlCenterElements, TheEditButtonHasNoIdentifierAndIsTheLowest) {
   openCenter();
   const auto button = editButton();
   ASSERT_NE(button, nullptr);
+  int nameless = 0;
+  for (const auto& element : everything()) {
+    nameless += text(*element, "AXRole") == "AXButton" && !element->attribute("AXIdentifier");
+  }
+  EXPECT_GT(nameless, 1) << "it is not the only one without";
   EXPECT_EQ(frameOf(*button), desktop->space.flipped(center().panel().editButton));
   ASSERT_TRUE(button->perform("AXPress"));
   EXPECT_TRUE(center().isEditing());
@@ -141,6 +144,9 @@ TEST_F(ControlCenterElements, AThirdPartysTileIsNamedAfterItsExtensionOnceItIsSh
   openCenter();
   const std::string identifier = "org.example.radio.controls:org.example.radio.play";
   EXPECT_EQ(find(identifier), nullptr);
+  for (const auto& element : everything()) {
+    EXPECT_TRUE(element->attribute("AXRole")) << "what is not there is not listed";
+  }
   enterAndLeaveEditMode();
   const auto tile = find(identifier);
   ASSERT_NE(tile, nullptr);

@@ -7,7 +7,6 @@ namespace plemora {
 
 namespace {
 
-using testing::Contains;
 using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
