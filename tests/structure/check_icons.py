@@ -35,6 +35,9 @@ SYMBOL = re.compile(
     r"(?:[a-z0-9]+\.)+fill"
     r"|(?:airplay|arrow|beats|chevron|checkmark|hifispeaker|music|speaker|xmark)(?:\.[a-z0-9]+)+"
     r"|airpods(?:[a-z]+)?|(?:desktop|laptop)computer|checkmark|display|headphones|tv|xmark")
+# Symbols of the simulated desktop, which the program itself does without.
+STAGE_ICONS = "src/main/stage/symbols"
+STAGE_SOURCES = ("src/main/stage/", "src/adapters/stage/")
 ADDRESS = re.compile(r"plemora/icons/([a-z0-9.]+)\.svg$")
 
 
@@ -80,7 +83,10 @@ def faults(root):
     folder = root / "src/views/icons"
     drawn = {path.name.removesuffix(".svg"): path for path in sorted(folder.glob("*.svg"))}
 
-    sides = [(path, 24) for path in drawn.values()]
+    on_stage = {path.name.removesuffix(".svg"): path
+                for path in sorted((root / STAGE_ICONS).glob("*.svg"))}
+
+    sides = [(path, 24) for path in [*drawn.values(), *on_stage.values()]]
     sides.append((root / "packaging/icons/com.quorvane.mixer.svg", 128))
     sides.append((root / "packaging/icons/com.quorvane.mixer-symbolic.svg", 16))
     for path, side in sides:
@@ -99,10 +105,12 @@ def faults(root):
 
     for path in sorted((root / "src").rglob("*")):
         if path.suffix in (".h", ".cpp", ".qml", ".js"):
+            shown = path.relative_to(root).as_posix()
+            is_stage = shown.startswith(STAGE_SOURCES)
             for name, line in symbols_named_by(path.read_text(encoding="utf-8")):
-                if name not in drawn:
-                    yield (f"{path.relative_to(root)}:{line}: names the symbol {name}; "
-                           f"draw src/views/icons/{name}.svg")
+                if name not in drawn and not (is_stage and name in on_stage):
+                    place = STAGE_ICONS if is_stage else "src/views/icons"
+                    yield f"{shown}:{line}: names the symbol {name}; draw {place}/{name}.svg"
 
 
 if __name__ == "__main__":

@@ -15,6 +15,7 @@ def drawing(content, side=24):
 PLAIN = drawing('<path d="M1 1H9"/>')
 WAVES = "".join(f'<g id="{name}"/>' for name in ("body", "wave1", "wave2", "wave3"))
 ICONS = "src/views/icons/"
+STAGE = "src/main/stage/"
 
 # Files beside the sound ones below, and what must be said of them (None: nothing).
 CASES = [
@@ -38,6 +39,11 @@ CASES = [
     ({ICONS + "questionmark.app.svg": drawing('<linearGradient/><path fill="red"/>')}, None),
     ({ICONS + "tv.svg": PLAIN}, "tv.svg is drawn but not listed"),
     ({ICONS + "speaker.fill.svg": None}, "speaker.fill.svg is not drawn"),
+    # What is drawn for the stage is the stage's alone.
+    ({STAGE + "symbols/play.fill.svg": PLAIN, STAGE + "a.cpp": 'f("play.fill");'}, None),
+    ({STAGE + "symbols/play.fill.svg": PLAIN, "src/a.cpp": 'f("play.fill");'}, "symbol play.fill;"),
+    ({STAGE + "a.cpp": 'f("play.fill");'}, "draw src/main/stage/symbols/play.fill.svg"),
+    ({STAGE + "symbols/play.fill.svg": drawing("<mask/>")}, "holds <mask>"),
     ({"packaging/icons/com.quorvane.mixer.svg": None}, "is missing"),
     ({"packaging/icons/com.quorvane.mixer-symbolic.svg": drawing("", 24)}, "view box"),
 ]

@@ -77,7 +77,7 @@ void ContentRenderer::setItem(QQuickItem* item) {
 
 void ContentRenderer::setSize(QSize points, double scale) {
   const QSize pixels = (QSizeF(points) * scale).toSize();
-  if (picture_.size() == pixels && scale_ == scale) {
+  if (pixels.isEmpty() || (picture_.size() == pixels && scale_ == scale)) {
     return;
   }
   scale_ = scale;
@@ -93,6 +93,10 @@ void ContentRenderer::setSize(QSize points, double scale) {
   target.setDevicePixelRatio(scale);
   window_->setRenderTarget(target);
   change();
+}
+
+void ContentRenderer::layOut() {
+  control_->polishItems();
 }
 
 const QImage& ContentRenderer::render() {

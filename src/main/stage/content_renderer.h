@@ -31,6 +31,8 @@ class ContentRenderer {
   /// Shows the item, which its owner keeps alive until another one is shown; null: nothing.
   void setItem(QQuickItem* item);
   void setSize(QSize points, double scale);
+  /// Lays out what waits for it, so that input and assistive technology find things in their place.
+  void layOut();
   /// Premultiplied ARGB, size times scale; transparent where nothing is drawn.
   const QImage& render();
   bool isStale() const { return isStale_; }

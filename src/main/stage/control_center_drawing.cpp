@@ -2,6 +2,7 @@
 #include <cctype>
 #include <iterator>
 
+#include "adapters/stage/desktop/stage_modules.h"
 #include "main/stage/desktop_drawing.h"
 #include "main/stage/drawing_parts.h"
 
@@ -11,30 +12,41 @@ namespace {
 
 constexpr double cornerRadius = 32;
 
-/// What a module of the system is called and shows.
+/// How a module of the system shows itself.
 struct Face {
-  std::string_view key;  ///< of the module's name, letters alone, in lower case
-  std::string_view title;
+  std::string_view module;
   std::string_view symbol;
-  std::string_view onText;
+  std::string_view onText;  ///< empty: a press starts it, and it is never on
 };
 
 constexpr Face faces[] = {
-    {"wifi", "Wi-Fi", "wifi", "Home"},
-    {"bluetooth", "Bluetooth", "bluetooth", "On"},
-    {"airdrop", "AirDrop", "airdrop", "Contacts Only"},
-    {"focusmodes", "Focus", "moon.fill", "On"},
-    {"focus", "Focus", "moon.fill", "On"},
-    {"stagemanager", "Stage Manager", "squares.leading.rectangle", "On"},
-    {"screenmirroring", "Screen Mirroring", "rectangle.on.rectangle", "On"},
-    {"display", "Display", "sun.max.fill", ""},
-    {"sound", "Sound", "speaker.wave.3.fill", ""},
-    {"nowplaying", "Now Playing", "music.note", ""},
-    {"musicrecognition", "Music Recognition", "music.note", "On"},
-    {"keyboardbrightness", "Keyboard Brightness", "keyboard", "On"},
-    {"battery", "Battery", "battery.75", "On"},
-    {"timer", "Timer", "timer", ""},
-    {"accessibilityshortcuts", "Accessibility", "accessibility", "On"},
+    {"WiFi", "wifi", "Home"},
+    {"Bluetooth", "bluetooth", "On"},
+    {"AirDrop", "airdrop", "Contacts Only"},
+    {"FocusModes", "moon.fill", "On"},
+    {"StageManager", "squares.leading.rectangle", ""},
+    {"ScreenMirroring", "rectangle.on.rectangle", ""},
+    {"Display", "sun.max.fill", ""},
+    {"Sound", "speaker.wave.3.fill", ""},
+    {"NowPlaying", "music.note", ""},
+    {"Battery", "battery.75", ""},
+    {"KeyboardBrightness", "keyboard", ""},
+    {"Weather", "cloud.sun.fill", ""},
+};
+
+struct PartSymbol {
+  std::string_view part;  ///< of a control's name, in lower case
+  std::string_view symbol;
+};
+
+constexpr PartSymbol controlSymbols[] = {
+    {"sound", "speaker.wave.3.fill"},
+    {"plemora", "speaker.wave.3.fill"},
+    {"lamp", "lightbulb.fill"},
+    {"light", "lightbulb.fill"},
+    {"door", "lock.fill"},
+    {"note", "note.text"},
+    {"timer", "timer"},
 };
 
 struct TileFace {
@@ -43,40 +55,35 @@ struct TileFace {
   std::string onText;
 };
 
-std::string lettersOf(std::string_view name) {
-  std::string letters;
-  for (const char letter : name) {
-    if (std::isalpha(static_cast<unsigned char>(letter)) != 0) {
-      letters += static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
-    }
+std::string lowered(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char letter) {
+    return static_cast<char>(std::tolower(letter));
+  });
+  return text;
+}
+
+TileFace faceOfControl(const StageTileControl& control) {
+  const std::string name = lowered(control.displayName + " " + control.kind);
+  const auto* found = std::ranges::find_if(
+      controlSymbols, [&](const PartSymbol& entry) { return name.find(entry.part) != name.npos; });
+  return {control.displayName,
+          found != std::end(controlSymbols) ? std::string(found->symbol) : std::string(),
+          {}};
+}
+
+TileFace faceOfModule(const std::string& module) {
+  const StageModule* known = findStageModule(module);
+  const auto* face = std::ranges::find(faces, module, &Face::module);
+  TileFace result{known != nullptr ? std::string(known->name) : module, {}, {}};
+  if (face != std::end(faces)) {
+    result.symbol = face->symbol;
+    result.onText = face->onText;
   }
-  return letters;
+  return result;
 }
 
 TileFace faceOf(const StageTile& tile) {
-  if (tile.control) {
-    const std::string letters = lettersOf(tile.control->displayName + tile.control->kind);
-    std::string symbol;
-    if (letters.find("sound") != letters.npos || letters.find("plemora") != letters.npos) {
-      symbol = "speaker.wave.3.fill";
-    } else if (letters.find("light") != letters.npos || letters.find("lamp") != letters.npos) {
-      symbol = "lightbulb.fill";
-    } else if (letters.find("note") != letters.npos) {
-      symbol = "note.text";
-    } else if (letters.find("timer") != letters.npos) {
-      symbol = "timer";
-    }
-    return {tile.control->displayName, symbol, {}};
-  }
-  const std::string letters = lettersOf(tile.module);
-  const auto* face = std::ranges::find(faces, letters, &Face::key);
-  return face != std::end(faces) ? TileFace{std::string(face->title), std::string(face->symbol),
-                                            std::string(face->onText)}
-                                 : TileFace{tile.module, {}, "On"};
-}
-
-bool isSlider(const StageTile& tile) {
-  return (tile.module == "Sound" || tile.module == "Display") && tile.size.columns > 1;
+  return tile.control ? faceOfControl(*tile.control) : faceOfModule(tile.module);
 }
 
 /// Adds tiles as they are in one state of Control Center.
@@ -92,15 +99,15 @@ class TileDrawing {
   void add(const StageTile& tile, const Rect& global) {
     const Rect rect = space_.flipped(global);
     const TileFace face = faceOf(tile);
-    const bool isOn = !tile.control && center_.isOn(tile.module);
+    const bool isOn = !face.onText.empty() && center_.isOn(tile.module);
     if (tile.size.columns == 1) {
-      addRound(rect, face, isOn && !isMomentary(tile));
-    } else if (isSlider(tile)) {
+      addRound(rect, face, isOn);
+    } else if (StageControlCenter::hasSlider(tile)) {
       addSliderTile(tile, rect, space_.flipped(StageControlPanel::slider(global)), face);
     } else if (tile.size.rows > 1) {
-      addSquare(rect, face, isOn && !isMomentary(tile));
+      addSquare(rect, face, isOn);
     } else {
-      addWide(rect, face, isOn && !isMomentary(tile));
+      addWide(rect, face, isOn);
     }
   }
 
@@ -113,9 +120,6 @@ class TileDrawing {
   }
 
  private:
-  /// Modules that a press starts and that are never on.
-  static bool isMomentary(const StageTile& tile) { return faceOf(tile).onText.empty(); }
-
   void addGlyph(const Rect& rect, const TileFace& face, const Color& color) {
     if (face.symbol.empty()) {
       drawing_.push_back(TextMark{rect.inset(-8, -8), face.title.substr(0, 1), color,
@@ -263,15 +267,12 @@ Drawing editingDrawing(const StageWindowRecord& window, StageDesktop& desktop) {
     }
     const double radius = std::min(entry.height / 2, 26.0);
     drawing.push_back(GlassMark{entry, radius, GlassKind::tile, palette.isDark});
-    StageTile tile;
-    tile.module = gallery[i];
-    const TileFace face = faceOf(tile);
     const Rect plus{entry.x + 12, entry.midY() - 10, 20, 20};
     drawing.push_back(FillMark{plus, 10, Color{0.19, 0.82, 0.35}, {}});
     drawing.push_back(SymbolMark{centered(plus, 13, 13), "plus", Color::white(), {}});
     drawing.push_back(
         TextMark{{plus.maxX() + 10, entry.y, entry.maxX() - plus.maxX() - 22, entry.height},
-                 face.title,
+                 gallery[i],
                  palette.text,
                  13,
                  500,

@@ -1,5 +1,8 @@
 #include "main/stage/desktop_drawing.h"
 
+#include <chrono>
+#include <ctime>
+
 #include "main/stage/drawing_parts.h"
 
 namespace plemora {
@@ -7,6 +10,16 @@ namespace plemora {
 namespace {
 
 constexpr double markSide = 16;
+constexpr const char* clockIdentifier = "com.apple.menuextra.clock";
+
+std::string timeText(WallTime time) {
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(time);
+  std::tm parts{};
+  gmtime_r(&seconds, &parts);
+  char text[40];
+  const std::size_t length = std::strftime(text, sizeof text, "%a %d %b  %H:%M", &parts);
+  return {text, length};
+}
 
 /// What stands at the left of the menu bar: the name of the app in front, then menus.
 void addMenuTitles(Drawing& drawing, const Rect& bar, StageDesktop& desktop) {
@@ -89,7 +102,9 @@ Drawing statusItemDrawing(const StageStatusItem& item, StageDesktop& desktop) {
     drawing.push_back(SymbolMark{centered(frame, side, side), item.image->name, palette.text,
                                  item.image->variableValue});
   } else {
-    drawing.push_back(TextMark{frame, item.text, palette.text, 13, 500, TextPlace::center});
+    const std::string text =
+        item.identifier == clockIdentifier ? timeText(desktop.clock.now()) : item.text;
+    drawing.push_back(TextMark{frame, text, palette.text, 13, 500, TextPlace::center});
   }
   return drawing;
 }
@@ -186,20 +201,19 @@ Drawing playerDrawing(const StagePlayer& player, StageDesktop& desktop) {
                              13,
                              600,
                              TextPlace::center});
-  const double side = std::max(0.0, std::min(frame.height - 60, 72.0));
-  const Rect cover{frame.x + 16, frame.y + 44, side, side};
-  drawing.push_back(AppIconMark{cover, player.name, symbolOfApp(player.name)});
   const Rect button = desktop.space.flipped(StagePlayers::button(player));
-  const Rect words{cover.maxX() + 14, cover.y, std::max(0.0, button.x - cover.maxX() - 24), 20};
-  drawing.push_back(TextMark{words, "Test tone", palette.text, 13, 600, TextPlace::left});
-  drawing.push_back(TextMark{words.offset(0, 20),
-                             std::to_string(static_cast<int>(player.frequency)) + " Hz",
+  const double side = 60;
+  drawing.push_back(AppIconMark{
+      {frame.x + 16, button.midY() - side / 2, side, side}, player.name, symbolOfApp(player.name)});
+  const double left = button.maxX() + 14;
+  const Rect words{left, button.midY() + 2, std::max(0.0, frame.maxX() - 16 - left), 18};
+  drawing.push_back(TextMark{words, std::to_string(static_cast<int>(player.frequency)) + " Hz",
                              palette.secondary, 12, 400, TextPlace::left});
   // The wave stands for what plays; paused it lies flat.
   const int bars = static_cast<int>(words.width / 6);
   for (int i = 0; i < bars; ++i) {
     const double rise = player.isPlaying ? 4 + ((i * 7 + 3) % 5) * 3.2 : 2;
-    drawing.push_back(FillMark{{words.x + 6 * i, words.y + 56 - rise / 2, 3, rise},
+    drawing.push_back(FillMark{{words.x + 6 * i, words.y - 10 - rise / 2, 3, rise},
                                1.5,
                                player.isPlaying ? palette.accent : palette.faint,
                                {}});

@@ -310,9 +310,11 @@ Problem checkDesktop(const ScenarioConditions& conditions, StageDesktop& desktop
     dock.push_back(application.localizedName.value_or(""));
   }
   const StageSettings& settings = desktop.settings;
-  return firstOf({compareText("the pane of System Settings", conditions.settingsPane,
-                              settings.isOpen() ? settings.title() : ""),
-                  compareSets("the icons of the Dock", conditions.dock, dock)});
+  return firstOf(
+      {compareText("the pane of System Settings", conditions.settingsPane,
+                   settings.isOpen() ? settings.title() : ""),
+       compareSets("the icons of the Dock", conditions.dock, dock),
+       compareSets("the URLs that were opened", conditions.urls, desktop.workspace.openedURLs)});
 }
 
 std::string joined(const std::vector<std::string>& lines) {

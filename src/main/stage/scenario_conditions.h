@@ -74,7 +74,8 @@ struct ScenarioConditions {
   std::optional<std::vector<std::string>> dock;  ///< names, in any order
 
   std::optional<std::string> printed;  ///< by the program since it was last started, line by line
-  std::optional<int> reloads;          ///< requests to reload the controls, since the curtain rose
+  std::optional<std::vector<std::string>> urls;  ///< opened by anybody since the curtain rose
+  std::optional<int> reloads;  ///< requests to reload the controls, since the curtain rose
 };
 
 }  // namespace plemora

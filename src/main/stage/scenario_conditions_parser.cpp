@@ -138,21 +138,12 @@ void readMembers(const ScenarioPart& part, std::string_view name,
   }
 }
 
-ScenarioSetting readExpectedSetting(const ScenarioPart& part) {
-  if (part.json().is_null()) {
-    return {};
-  }
-  if (part.json().is_boolean()) {
-    return part.flag();
-  }
-  return part.anyText();
-}
-
 }  // namespace
 
 ScenarioConditions readConditions(const ScenarioPart& part) {
   part.allow({"running", "panel", "control center", "defaults", "preferences", "backup", "devices",
-              "default device", "levels", "menu", "settings pane", "dock", "printed", "reloads"});
+              "default device", "levels", "menu", "settings pane", "dock", "printed", "reloads",
+              "urls"});
   if (part.json().empty()) {
     part.fail("expects nothing");
   }
@@ -160,7 +151,7 @@ ScenarioConditions readConditions(const ScenarioPart& part) {
   readMembers(part, "running", conditions.isRunning, readFlag);
   part.read("panel", conditions.panel, readPanel);
   part.read("control center", conditions.controlCenter, readControlCenter);
-  readMembers(part, "defaults", conditions.defaults, readExpectedSetting);
+  readMembers(part, "defaults", conditions.defaults, readSetting);
   if (const auto preferences = part.find("preferences")) {
     preferences->allow({"as", "not as"});
     preferences->read("as", conditions.preferencesAs, readText);
@@ -176,6 +167,7 @@ ScenarioConditions readConditions(const ScenarioPart& part) {
   part.read("dock", conditions.dock, readTexts);
   part.read("printed", conditions.printed, [](const ScenarioPart& text) { return text.anyText(); });
   part.read("reloads", conditions.reloads, readCount);
+  part.read("urls", conditions.urls, readTexts);
   return conditions;
 }
 

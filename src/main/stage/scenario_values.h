@@ -20,6 +20,7 @@ inline constexpr ScenarioKey scenarioKeys[] = {
     {"left", 123},  {"right", 124}, {"down", 125}, {"up", 126},
 };
 
+ScenarioSetting readSetting(const ScenarioPart& part);
 std::string readProgram(const ScenarioPart& part);
 Point readPoint(const ScenarioPart& part);
 ScenarioTarget readTarget(const ScenarioPart& part);

@@ -24,19 +24,6 @@ ScenarioScreen readScreen(const ScenarioPart& part) {
   return screen;
 }
 
-ScenarioSetting readSetting(const ScenarioPart& part) {
-  if (part.json().is_null()) {
-    return {};
-  }
-  if (part.json().is_boolean()) {
-    return part.flag();
-  }
-  if (part.isText()) {
-    return part.anyText();
-  }
-  part.fail("must be true, false, a text, or null for a setting that is not there");
-}
-
 template <typename Item>
 std::vector<Item> readList(const ScenarioPart& part, Item (*read)(const ScenarioPart&),
                            std::string Item::*name) {
@@ -107,6 +94,19 @@ void readWorld(const ScenarioPart& part, ScenarioWorld& world) {
 }
 
 }  // namespace
+
+ScenarioSetting readSetting(const ScenarioPart& part) {
+  if (part.json().is_null()) {
+    return {};
+  }
+  if (part.json().is_boolean()) {
+    return part.flag();
+  }
+  if (part.isText()) {
+    return part.anyText();
+  }
+  part.fail("must be true, false, a text, or null for a setting that is not there");
+}
 
 std::string readProgram(const ScenarioPart& part) {
   return part.text();
@@ -203,8 +203,9 @@ ScenarioPlayer readPlayer(const ScenarioPart& part) {
 }
 
 ScenarioWorld readStage(const ScenarioPart& part) {
-  part.allow({"screens", "appearance", "wallpaper", "trusted", "consent", "system", "build", "layout",
-              "control center", "forgets controls", "defaults", "devices", "players", "arguments"});
+  part.allow({"screens", "appearance", "wallpaper", "trusted", "consent", "system", "build",
+              "layout", "control center", "forgets controls", "defaults", "devices", "players",
+              "arguments"});
   ScenarioWorld world;
   readWorld(part, world);
   part.read("devices", world.devices, [](const ScenarioPart& list) {

@@ -26,6 +26,13 @@ Qt::MouseButton buttonOf(StageButton button) {
   return button == StageButton::left ? Qt::LeftButton : Qt::RightButton;
 }
 
+/// The key that types that character where there is one: a script types without a keyboard.
+int keyOf(const StageKeyEvent& event) {
+  const bool isCharacter = event.text.size() == 1 && event.text[0] >= ' ' && event.text[0] <= '~';
+  return isCharacter ? QChar::fromLatin1(event.text[0]).toUpper().unicode()
+                     : qtKeyOf(event.keyCode);
+}
+
 }  // namespace
 
 StageContent::StageContent(std::shared_ptr<HostedView> view, Clock& clock)
@@ -40,11 +47,24 @@ StageContent::StageContent(std::shared_ptr<HostedView> view, Clock& clock)
 
 StageContent::~StageContent() = default;
 
-const QImage& StageContent::picture(const Size& size, double scale) {
-  const QSize points(static_cast<int>(std::lround(size.width)),
-                     static_cast<int>(std::lround(size.height)));
+void StageContent::layOut() {
+  if (frame_) {
+    fit(frame_().size());
+  }
+}
+
+void StageContent::fit(const Size& size) {
+  // The size first: pictures in the view are made for the scale that they are shown at.
+  renderer_.setSize(
+      {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))},
+      scale_);
   renderer_.setItem(quickView_.item());
-  renderer_.setSize(points, scale);
+  renderer_.layOut();
+}
+
+const QImage& StageContent::picture(const Size& size, double scale) {
+  scale_ = scale;
+  fit(size);
   return renderer_.render();
 }
 
@@ -74,6 +94,7 @@ std::vector<StageControl> StageContent::controls() const {
 }
 
 void StageContent::pointer(const StagePointerEvent& event) {
+  layOut();
   using Phase = StagePointerEvent::Phase;
   if (event.phase == Phase::left) {
     renderer_.leave();
@@ -92,6 +113,7 @@ void StageContent::pointer(const StagePointerEvent& event) {
 }
 
 void StageContent::scroll(const StageScrollEvent& event) {
+  layOut();
   const double notches = event.steps != 0 ? event.steps : event.dy / pointsPerNotch;
   QWheelEvent wheel(pointF(event.position), pointF(event.position),
                     QPointF(event.dx, event.dy).toPoint(),
@@ -103,7 +125,8 @@ void StageContent::scroll(const StageScrollEvent& event) {
 }
 
 void StageContent::key(const StageKeyEvent& event) {
-  QKeyEvent key(event.isDown ? QEvent::KeyPress : QEvent::KeyRelease, qtKeyOf(event.keyCode),
+  layOut();
+  QKeyEvent key(event.isDown ? QEvent::KeyPress : QEvent::KeyRelease, keyOf(event),
                 Qt::KeyboardModifiers(qtModifiersOf(event.modifiers)),
                 QString::fromStdString(event.text));
   key.setTimestamp(time());

@@ -27,6 +27,8 @@ class StageContent : public HostedView, public StageWindowClient {
   StageContent(std::shared_ptr<HostedView> view, Clock& clock);
   ~StageContent() override;
 
+  /// Brings the view up to date with the size of its window, also when nobody looks at it.
+  void layOut();
   /// The view at that size, in points.
   const QImage& picture(const Size& size, double scale);
   bool isStale() const { return renderer_.isStale(); }
@@ -54,6 +56,7 @@ class StageContent : public HostedView, public StageWindowClient {
   void key(const StageKeyEvent& event) override;
 
  private:
+  void fit(const Size& size);
   quint64 time() const;
 
   std::shared_ptr<HostedView> view_;
@@ -62,6 +65,7 @@ class StageContent : public HostedView, public StageWindowClient {
   std::function<void()> changed_;
   std::function<Rect()> frame_;
   ContentRenderer renderer_;
+  double scale_ = 1;  // as last drawn
   bool isFocused_ = false;
 };
 

@@ -19,6 +19,7 @@ constexpr double frameTime = 1.0 / 60;
 StageShow::StageShow(StageDesktop& desktop, Time time)
     : desktop_(desktop),
       sceneClock_(time == Time::virtualTime ? std::make_unique<SceneClock>() : nullptr),
+      icons_(desktop.workspace),
       windows_(desktop.windows, desktop.mainQueue),
       compositor_(desktop, windows_) {
   QAccessible::setActive(true);  // how controls are found by their names
@@ -37,17 +38,29 @@ std::shared_ptr<HostedView> StageShow::makeContent(PanelView& view, const Contro
 }
 
 void StageShow::advance(double seconds) {
+  settle();
   for (double left = seconds; left > 0; left -= frameTime) {
     desktop_.advance(std::min(left, frameTime));
     settle();
   }
 }
 
-void StageShow::settle() {
-  desktop_.settle();
+void StageShow::tick() {
+  icons_.update();
   if (sceneClock_) {
     sceneClock_->tick(desktop_.clock.mediaTime());
   }
+  for (GlassWindow* window : windows_.onScreen()) {
+    if (StageContent* content = window->content()) {
+      content->layOut();
+    }
+  }
+}
+
+void StageShow::settle() {
+  icons_.update();
+  desktop_.settle();
+  tick();
   QCoreApplication::sendPostedEvents();
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   desktop_.settle();
@@ -66,6 +79,7 @@ std::vector<StageControl> StageShow::controls() {
   std::vector<StageControl> found;
   for (GlassWindow* window : windows_.onScreen()) {
     if (StageContent* content = window->content()) {
+      content->layOut();
       const auto controls = content->controls();
       found.insert(found.end(), controls.begin(), controls.end());
     }

@@ -8,6 +8,7 @@
 #include "adapters/stage/desktop/stage_desktop.h"
 #include "main/stage/glass_windows.h"
 #include "main/stage/stage_compositor.h"
+#include "main/stage/stage_icons.h"
 #include "main/stage/stage_wallpaper.h"
 #include "menubar/panel_view.h"
 #include "skin/look/control_center_look.h"
@@ -39,6 +40,11 @@ class StageShow {
 
   /// As the desktop's, with what is drawn: frame by frame, each shown in its place in time.
   void advance(double seconds);
+  /// Whether QML follows the stage's time, and so has to be told of each frame.
+  bool hasOwnTime() const { return sceneClock_ != nullptr; }
+  /// Sees to what is new on the desktop, and moves what QML animates on to its time, where it
+  /// follows that.
+  void tick();
   /// Lets all that waits run, in the world and in the scenes. Time stands still.
   void settle();
 
@@ -58,6 +64,7 @@ class StageShow {
  private:
   StageDesktop& desktop_;
   std::unique_ptr<SceneClock> sceneClock_;
+  StageIcons icons_;
   GlassWindows windows_;
   StageCompositor compositor_;
 };

@@ -1,0 +1,217 @@
+#include <cmath>
+#include <set>
+
+#include "main/stage/stage_compositor.h"
+#include "stage_show/show_rig.h"
+
+namespace plemora {
+namespace {
+
+const char* const red = "Rectangle { color: '#ff0000' }";
+const char* const green = "Rectangle { color: '#00ff00' }";
+constexpr Rect left{300, 400, 200, 100};
+constexpr Rect right{400, 350, 200, 100};
+constexpr Point shared{450, 425};
+
+/// The colour of a point of the plain wallpaper.
+const QColor plain("#3d6a94");
+
+PanelWindowOptions level(int level) {
+  PanelWindowOptions options;
+  options.level = level;
+  return options;
+}
+
+int distance(const QColor& a, const QColor& b) {
+  return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
+         std::abs(a.blue() - b.blue());
+}
+
+TEST(StageWallpaper, EachKindIsItsOwnAndTheSameAtEveryCall) {
+  std::set<QByteArray> seen;
+  for (const NamedWallpaper& entry : stageWallpapers()) {
+    const QImage picture = paintWallpaper(entry.wallpaper, {320, 200}, 1);
+    const QByteArray bytes(reinterpret_cast<const char*>(picture.constBits()),
+                           picture.sizeInBytes());
+    EXPECT_TRUE(seen.insert(bytes).second) << entry.name;
+    EXPECT_EQ(picture, paintWallpaper(entry.wallpaper, {320, 200}, 1)) << entry.name;
+    EXPECT_EQ(paintWallpaper(entry.wallpaper, {320, 200}, 2).size(), QSize(640, 400));
+    EXPECT_EQ(stageWallpaperNamed(entry.name), entry.wallpaper);
+  }
+  EXPECT_EQ(stageWallpaperNamed("Photograph"), std::nullopt);
+}
+
+using StageCompositorTest = StageShowTest;
+
+TEST_F(StageCompositorTest, DrawsWindowsByLevelThenByTheirOrder) {
+  EXPECT_EQ(colorAt(shared), plain);
+  const auto first = makeWindow(left, red);
+  const auto second = makeWindow(right, green);
+  EXPECT_EQ(colorAt(shared), QColor("#00ff00"));
+  EXPECT_EQ(colorAt({310, 490}), QColor("#ff0000"));
+  EXPECT_EQ(colorAt({299, 450}), plain);
+  EXPECT_EQ(colorAt({301, 501}), plain);
+  first->order(WindowOrder::front);
+  EXPECT_EQ(colorAt(shared), QColor("#ff0000"));
+  {
+    const auto above = makeWindow(right, green, level(3));
+    first->order(WindowOrder::front);
+    EXPECT_EQ(colorAt(shared), QColor("#00ff00"));
+  }
+  EXPECT_EQ(colorAt(shared), QColor("#ff0000"));
+  first->order(WindowOrder::out);
+  second->order(WindowOrder::out);
+  EXPECT_EQ(colorAt(shared), plain);
+}
+
+TEST_F(StageCompositorTest, MixesByTheAlphaOfTheWholeWindow) {
+  const auto below = makeWindow(left, red);
+  const auto window = makeWindow(left, green);
+  window->setAlpha(0.5);
+  const QColor half = colorAt(shared);
+  EXPECT_NEAR(half.red(), 127, 2);
+  EXPECT_NEAR(half.green(), 127, 2);
+  window->setAlpha(0);
+  EXPECT_EQ(colorAt(shared), QColor("#ff0000"));
+}
+
+TEST_F(StageCompositorTest, ShowsWindowsThatThePointerGoesThrough) {
+  const auto below =
+      makeWindow(left,
+                 "Rectangle { color: area.pressed ? 'blue' : 'red'; MouseArea { id: area; "
+                 "anchors.fill: parent } }");
+  PanelWindowOptions options = level(101);
+  options.ignoresMouseEvents = true;
+  const auto overlay = makeWindow(left, "Rectangle { width: 1; color: '#00ff00' }", options);
+  overlay->setAlpha(0.5);
+  EXPECT_GT(colorAt(shared).green(), 120);
+  desktop.press(shared);
+  EXPECT_GT(colorAt(shared).blue(), 120);
+  EXPECT_GT(colorAt(shared).green(), 120);
+  desktop.release();
+}
+
+TEST_F(StageCompositorTest, GlassSeesWhatIsBelowItBlurred) {
+  const auto glass = makeWindow({300, 300, 300, 300}, {}, level(3));
+  const auto effect = glass->surface().showEffect({});
+  show.setWallpaper(StageWallpaper::black);
+  const QColor overBlack = colorAt({450, 450});
+  show.setWallpaper(StageWallpaper::white);
+  EXPECT_GT(distance(colorAt({450, 450}), overBlack), 60);
+  EXPECT_EQ(colorAt({310, 290}), QColor(Qt::white));
+
+  // Half of a window below it: the edge of that is soft.
+  const auto below = makeWindow({450, 200, 400, 500}, "Rectangle { color: '#ff0000' }");
+  const QColor far = colorAt({330, 450});
+  const QColor near = colorAt({444, 450});
+  const QColor on = colorAt({570, 450});
+  EXPECT_GT(distance(far, on), 60);
+  EXPECT_GT(distance(near, far), 10);
+  EXPECT_GT(distance(near, on), 10);
+  // It does not see itself, nor what is in front of it.
+  const auto above = makeWindow({300, 300, 40, 40}, green, level(4));
+  EXPECT_EQ(colorAt({360, 450}), far);
+  below->order(WindowOrder::out);
+  EXPECT_LT(distance(colorAt({570, 450}), far), 10);
+}
+
+TEST_F(StageCompositorTest, PaintsNothingAtRestAndOnlyWhatHasChanged) {
+  const auto below = makeWindow(left, red);
+  const auto window =
+      makeWindow(right, "Rectangle { objectName: 'top'; color: 'blue' }", level(101));
+  show.picture(screen);
+  show.compositor().takeDamage(screen);
+  const int before = show.compositor().paintCount();
+  show.advance(2);
+  show.picture(screen);
+  EXPECT_EQ(show.compositor().paintCount(), before);
+  EXPECT_TRUE(show.compositor().takeDamage(screen).isEmpty());
+
+  window->setAlpha(0.8);
+  show.picture(screen);
+  EXPECT_EQ(show.compositor().paintCount(), before + 1);
+  EXPECT_EQ(show.compositor().takeDamage(screen).boundingRect(), QRect(400, 350, 200, 100));
+  // From the one that moved on.
+  below->setFrame(left.offset(-50, 0));
+  const QImage kept = show.picture(screen);
+  EXPECT_TRUE(show.compositor().takeDamage(screen).contains(QRect(250, 300, 250, 100)));
+  // The same picture as one that was painted in one go.
+  StageCompositor fresh(desktop, static_cast<GlassWindows&>(show.windows()));
+  fresh.setWallpaper(StageWallpaper::plain);
+  fresh.setShowsPointer(false);
+  EXPECT_EQ(fresh.picture(screen), kept);
+}
+
+TEST_F(StageCompositorTest, DrawsEveryScreenAtItsScale) {
+  const auto window = makeWindow({1200, 500, 200, 100}, red);
+  desktop.screens.set({StageDesktop::makeScreen(1, {0, 0, 1280, 800}, 1, true),
+                       StageDesktop::makeScreen(2, {1280, 100, 640, 400}, 2, false)});
+  const QImage main = show.picture(1);
+  EXPECT_EQ(main.size(), QSize(1280, 800));
+  EXPECT_EQ(main.pixelColor(1279, 800 - 550), QColor("#ff0000"));
+  // The second one's top is at 500.
+  const QImage second = show.picture(2);
+  EXPECT_EQ(second.size(), QSize(1280, 800));
+  desktop.screens.set({StageDesktop::makeScreen(1, {0, 0, 1280, 800}, 1, true),
+                       StageDesktop::makeScreen(2, {1280, 300, 640, 400}, 2, false)});
+  const QImage raised = show.picture(2);
+  EXPECT_EQ(raised.pixelColor(2 * 100, 2 * 150), QColor("#ff0000"));
+  EXPECT_EQ(raised.pixelColor(2 * 121, 2 * 150), plain);
+  EXPECT_TRUE(show.picture(3).isNull());
+}
+
+TEST_F(StageCompositorTest, ShowsControlCenterAsItFadesAndIsEdited) {
+  const QImage bare = show.picture(screen);
+  desktop.controlCenter.open();
+  show.advance(StageControlCenter::fadeInDuration / 2);
+  const StageControlPanel panel = desktop.controlCenter.panel();
+  ASSERT_FALSE(desktop.controlCenter.shownTiles().empty());
+  const Rect tile = panel.tile(desktop.controlCenter.shownTiles().front());
+  const Point middle{tile.midX(), tile.minY() + 6};
+  const QColor half = colorAt(middle);
+  show.advance(1);
+  const QColor whole = colorAt(middle);
+  EXPECT_GT(distance(half, plain), 3);
+  EXPECT_GT(distance(whole, plain), distance(half, plain));
+  // Beside the tiles the desktop shows, and in edit mode the whole of it is covered.
+  const Point beside{200, 300};
+  EXPECT_EQ(colorAt(beside), plain);
+  desktop.controlCenter.pressEditButton();
+  show.advance(1);
+  EXPECT_NE(colorAt(beside), plain);
+  desktop.controlCenter.pressEditButton();
+  show.advance(1);
+  desktop.controlCenter.close();
+  show.advance(1);
+  EXPECT_EQ(show.picture(screen), bare);
+}
+
+TEST_F(StageCompositorTest, DrawsEveryKindOfWindowInBothAppearances) {
+  StagePlayer& player = desktop.players.start("org.example.tune", "Tune");
+  desktop.settings.show(StageSettings::Pane::sound);
+  show.settle();
+  const Point inPlayer{player.frame.midX(), player.frame.minY() + 3};
+  const Point inSettings{desktop.settings.frame().maxX() - 30, desktop.settings.frame().minY() + 9};
+  const Point inDock{desktop.dock.frame().midX(), desktop.dock.frame().minY() + 3};
+  desktop.appearance.setDark(true);
+  const QColor dark[] = {colorAt(inPlayer), colorAt(inSettings), colorAt(inDock)};
+  desktop.appearance.setDark(false);
+  const QColor light[] = {colorAt(inPlayer), colorAt(inSettings), colorAt(inDock)};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_GT(light[i].lightness(), dark[i].lightness()) << i;
+    EXPECT_NE(dark[i], plain) << i;
+  }
+}
+
+TEST_F(StageCompositorTest, DrawsThePointerWhereItIs) {
+  desktop.movePointer({600, 400});
+  const QColor without = colorAt({603, 395});
+  show.setShowsPointer(true);
+  EXPECT_EQ(without, plain);
+  EXPECT_LT(colorAt({603, 393}).lightness(), 40);
+  desktop.movePointer({700, 400});
+  EXPECT_EQ(colorAt({603, 393}), plain);
+}
+
+}  // namespace
+}  // namespace plemora
