@@ -1,7 +1,8 @@
 # Completion of plemora for bash.
 
 _plemora() {
-  mapfile -t COMPREPLY < <(compgen -W '--no-ui --log-levels -demo --screenshots --help --version' -- \
+  mapfile -t COMPREPLY < <(compgen -W '--no-ui --log-levels -demo --screenshots --replace-sound \
+    --restore-sound --prime-controls --preferences --preferences-host --help --version' -- \
     "${COMP_WORDS[COMP_CWORD]}")
 }
 

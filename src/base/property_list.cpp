@@ -227,6 +227,16 @@ std::optional<PropertyList> PropertyList::member(const std::string& key) const {
   return value ? std::optional(copyOf(value)) : std::nullopt;
 }
 
+bool PropertyList::operator==(const PropertyList& other) const {
+  if (isDictionary() || other.isDictionary()) {
+    return isDictionary() && other.isDictionary() && members() == other.members();
+  }
+  if (isArray() || other.isArray()) {
+    return items() == other.items();
+  }
+  return binary() == other.binary();
+}
+
 void PropertyList::setMember(const std::string& key, const PropertyList& value) {
   assert(isDictionary());
   requireText(key);

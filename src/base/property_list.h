@@ -80,8 +80,9 @@ class PropertyList {
   /// Only on a dictionary.
   void removeMember(const std::string& key);
 
-  /// Whether both would be written alike.
-  bool operator==(const PropertyList& other) const { return binary() == other.binary(); }
+  /// Whether both hold the same, members in the same order. Their binary forms may differ: now and
+  /// then libplist stores equal bytes once.
+  bool operator==(const PropertyList& other) const;
 
  private:
   struct Release {

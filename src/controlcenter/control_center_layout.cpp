@@ -98,6 +98,12 @@ void ControlCenterLayout::replaceSound() {
     throw Failure(Failure::noSoundModule);
   }
   saveBackup();
+  if (!layout.mixerElements().empty()) {
+    // Tiles that are there already leave the grid before their controls do, as always.
+    Layout cleared = layout;
+    cleared.removeMixerElements();
+    cleared.write(preferences_, StoreOrder::boxesFirst);
+  }
   const std::int64_t y = elementRow(*sound).value_or(0);
   layout.elements.erase(layout.elements.begin() + (sound - layout.elements.data()));
   layout.removeMixer();

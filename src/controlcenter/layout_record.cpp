@@ -177,11 +177,15 @@ LayoutDictionaries Layout::occupiedCells(const LayoutDictionaries& elements) {
 }
 
 void Layout::removeMixer() {
+  removeMixerElements();
+  std::erase_if(controls, isMixerControl);
+}
+
+void Layout::removeMixerElements() {
   const auto identifiers = mixerIdentifiers();
   std::erase_if(elements, [&](const LayoutJson& element) {
     return identifiers.contains(elementID(element));
   });
-  std::erase_if(controls, isMixerControl);
 }
 
 void Layout::addMixer(const std::string& identifier, std::int64_t x, std::int64_t y) {

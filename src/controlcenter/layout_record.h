@@ -48,6 +48,7 @@ struct ControlCenterLayout::Layout {
 
   /// Removes the program's elements and controls; the rest keeps its order.
   void removeMixer();
+  void removeMixerElements();  ///< keeps the controls
   /// Adds a tile of the program, two columns wide, and the control that it shows.
   void addMixer(const std::string& identifier, std::int64_t x, std::int64_t y);
   /// Adds Sound with four columns, and its module.

@@ -89,7 +89,7 @@ std::string displayablesData() {
       chronoControls.push_back(
           dictionary({{"identifier", rawValue(identifierOf(i))},
                       {"extension", PropertyList::string("org.example.home.controls")},
-                      {"state", PropertyList::data(std::string("\0\x01\xff", 3))}}));
+                      {"state", PropertyList::data(std::string("\0\xff", 2) + tiles[i].module)}}));
     }
   }
   const PropertyList displayables = dictionary(
