@@ -6,7 +6,6 @@ namespace plemora {
 
 namespace {
 
-
 using Elements = std::vector<AccessibilityElementPointer>;
 
 template <typename T>
