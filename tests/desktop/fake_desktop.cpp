@@ -12,29 +12,6 @@ namespace plemora {
 
 namespace fs = std::filesystem;
 
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = (fs::canonical(fs::temp_directory_path()) / "plemora-XXXXXX").string();
-  if (!mkdtemp(pattern.data())) {
-    throw std::runtime_error("no temporary folder " + pattern);
-  }
-  path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-void writeFile(const fs::path& file, const std::string& content) {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file, std::ios::binary | std::ios::trunc) << content;
-}
-
-std::string readFile(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 FakeDesktop::FakeDesktop() {
   for (const char* folder : {"@/usr/bin", "@/usr/lib", "@/usr/share/applications", "@/opt",
                              "@/home/user", "@/proc", "@/var/lib/flatpak/applications"}) {

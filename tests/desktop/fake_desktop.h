@@ -1,31 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "adapters/linux/desktop/desktop_paths.h"
+#include "support/temporary_folder.h"
 
 namespace plemora {
-
-/// A folder of its own that goes with the object.
-class TemporaryFolder {
- public:
-  TemporaryFolder();
-  ~TemporaryFolder();
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-/// Replaces the file, with the folders above it.
-void writeFile(const std::filesystem::path& file, const std::string& content);
-std::string readFile(const std::filesystem::path& file);
 
 /// One process as /proc shows it. Paths are those of the fake desktop.
 struct FakeProcess {

@@ -11,7 +11,7 @@
 #include "adapters/linux/desktop/url_opener.h"
 #include "adapters/linux/desktop/xdg_login_item.h"
 #include "desktop/fake_desktop.h"
-#include "desktop/faulty_disk.h"
+#include "support/faulty_disk.h"
 
 namespace plemora {
 namespace {

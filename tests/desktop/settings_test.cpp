@@ -13,7 +13,7 @@
 #include "adapters/stage/memory_defaults.h"
 #include "base/log.h"
 #include "fake_desktop.h"
-#include "faulty_disk.h"
+#include "support/faulty_disk.h"
 
 namespace plemora {
 

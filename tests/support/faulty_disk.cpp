@@ -1,4 +1,4 @@
-#include "faulty_disk.h"
+#include "support/faulty_disk.h"
 
 #include <cerrno>
 
