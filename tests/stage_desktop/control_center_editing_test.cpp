@@ -35,6 +35,7 @@ TEST_F(ControlCenterEditing, StoresWhatTheUserEditsAndKeepsTheRest) {
   };
   dragTile("Battery", 0, 0);
   EXPECT_EQ(stored().module("Battery")->row, 5);
+  EXPECT_FALSE(center().moveTile(module("Display").id, 1, 8)) << "it would stick out";
   dragTile("Battery", 3, 4);
   EXPECT_EQ(stored().module("Battery")->column, 3);
   EXPECT_EQ(stored().module("Battery")->row, 4);

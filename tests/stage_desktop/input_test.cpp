@@ -68,11 +68,16 @@ TEST_F(Input, FindsTheFrontmostWindowThatTakesThePointer) {
   EXPECT_EQ(windowAt({100, 100}), beside.get());
   EXPECT_EQ(windowAt({300, 150}), nullptr);
   EXPECT_EQ(windowAt({150, 300}), nullptr);
+  // A press brings a window forward among its level.
+  const auto covered = showPanel({250, 100, 100, 100}, 5);
+  EXPECT_EQ(windowAt({260, 150}), covered.get());
+  desktop->click(inside);
+  EXPECT_EQ(windowAt({260, 150}), beside.get());
   // The list says the same, with y down.
   const auto all = windowsOf(StageWindowKind::program);
-  ASSERT_EQ(all.size(), 4U);
+  ASSERT_EQ(all.size(), 5U);
   EXPECT_EQ(all[0].bounds, (Rect{100, 600, 200, 200}));
-  EXPECT_EQ(all[3].layer, 3);
+  EXPECT_EQ(all[4].layer, 3);
 }
 
 TEST_F(Input, TakesPressesToTheProgramPastItsLocalMonitors) {
@@ -268,6 +273,10 @@ TEST_F(Input, AMenuIsAWindowWhoseEntriesAreClicked) {
   EXPECT_TRUE(desktop->clickMenuItem("Quit"));
   EXPECT_EQ(item, nullptr);
   EXPECT_FALSE(menu.isOpen());
+  item = desktop->menuBar.makeItem({}, {});
+  popUp();
+  item.reset();
+  EXPECT_FALSE(menu.isOpen()) << "it goes with its item";
 }
 
 }  // namespace
