@@ -22,11 +22,17 @@ void collect(QAccessibleInterface& node, std::vector<ContentRenderer::Control>& 
     }
     const auto* item = qobject_cast<QQuickItem*>(child->object());
     const QString name = child->text(QAccessible::Name);
-    if (item != nullptr && !name.isEmpty() && !child->state().invisible) {
+    // Its state says that nothing is visible in a window that is not shown.
+    if (item != nullptr && !name.isEmpty() && item->isVisible() && item->opacity() > 0) {
       ContentRenderer::Control control{name.toStdString(),
                                        item->mapRectToScene(item->boundingRect()), std::nullopt};
       if (QAccessibleValueInterface* value = child->valueInterface()) {
         control.value = value->currentValue().toDouble();
+        // Its values lie between the places that the middle of its knob can take.
+        const double inset = item->property("knob").toSizeF().width() / 2;
+        if (inset > 0) {
+          control.place.adjust(inset, 0, -inset, 0);
+        }
       }
       found.push_back(std::move(control));
     }

@@ -157,13 +157,28 @@ class TileDrawing {
     Rect words{disc.maxX() + 10, rect.midY() - 17, rect.maxX() - disc.maxX() - 20, 17};
     const std::string state = face.onText.empty() ? "" : isOn ? face.onText : "Off";
     if (state.empty()) {
-      words.y = rect.midY() - words.height / 2;
+      addTitle({words.x, rect.midY() - 17, words.width, 34}, face.title);
+      return;
     }
     drawing_.push_back(TextMark{words, face.title, palette_.text, 13, 600, TextPlace::left});
-    if (!state.empty()) {
-      drawing_.push_back(
-          TextMark{words.offset(0, 17), state, palette_.secondary, 12, 400, TextPlace::left});
+    drawing_.push_back(
+        TextMark{words.offset(0, 17), state, palette_.secondary, 12, 400, TextPlace::left});
+  }
+
+  /// In one line, or in two where it is long.
+  void addTitle(const Rect& place, const std::string& title) {
+    constexpr double letterWidth = 7.6;  // about
+    const std::size_t space = title.find(' ');
+    const bool isLong = letterWidth * static_cast<double>(title.size()) > place.width;
+    if (!isLong || space == std::string::npos) {
+      drawing_.push_back(TextMark{place, title, palette_.text, 13, 600, TextPlace::left});
+      return;
     }
+    const Rect line{place.x, place.y, place.width, place.height / 2};
+    drawing_.push_back(
+        TextMark{line, title.substr(0, space), palette_.text, 13, 600, TextPlace::left});
+    drawing_.push_back(TextMark{line.offset(0, line.height), title.substr(space + 1), palette_.text,
+                                13, 600, TextPlace::left});
   }
 
   void addSquare(const Rect& rect, const TileFace& face, bool isOn) {
@@ -212,9 +227,12 @@ class TileDrawing {
 
 void addEditButton(Drawing& drawing, const Rect& button, bool isEditing, const Palette& palette) {
   drawing.push_back(ShadowMark{button, button.height / 2, 8, 2, 0.14});
+  if (isEditing) {
+    addButton(drawing, button, "Done", true, palette);
+    return;
+  }
   drawing.push_back(GlassMark{button, button.height / 2, GlassKind::tile, palette.isDark});
-  drawing.push_back(TextMark{button, isEditing ? "Done" : "Edit Controls", palette.text, 13, 500,
-                             TextPlace::center});
+  drawing.push_back(TextMark{button, "Edit Controls", palette.text, 13, 500, TextPlace::center});
 }
 
 }  // namespace

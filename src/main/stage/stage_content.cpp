@@ -35,7 +35,7 @@ int keyOf(const StageKeyEvent& event) {
 
 }  // namespace
 
-StageContent::StageContent(std::shared_ptr<HostedView> view, Clock& clock)
+StageContent::StageContent(std::shared_ptr<HostedView> view, Clock& clock, double scale)
     : view_(std::move(view)),
       quickView_(dynamic_cast<QuickView&>(*view_)),
       clock_(clock),
@@ -43,7 +43,8 @@ StageContent::StageContent(std::shared_ptr<HostedView> view, Clock& clock)
         if (changed_) {
           changed_();
         }
-      }) {}
+      }),
+      scale_(scale) {}
 
 StageContent::~StageContent() = default;
 

@@ -23,8 +23,9 @@ class QuickView;
 /// view itself. Draws it into a picture and takes the window's input to it. GUI thread.
 class StageContent : public HostedView, public StageWindowClient {
  public:
-  /// The view must be a QuickView too. The clock outlives the content.
-  StageContent(std::shared_ptr<HostedView> view, Clock& clock);
+  /// The view must be a QuickView too. The clock outlives the content. scale: of the screen that it
+  /// is to be seen on, which pictures in it are made for.
+  StageContent(std::shared_ptr<HostedView> view, Clock& clock, double scale = 1);
   ~StageContent() override;
 
   /// Brings the view up to date with the size of its window, also when nobody looks at it.
@@ -65,7 +66,7 @@ class StageContent : public HostedView, public StageWindowClient {
   std::function<void()> changed_;
   std::function<Rect()> frame_;
   ContentRenderer renderer_;
-  double scale_ = 1;  // as last drawn
+  double scale_;  // as last drawn
   bool isFocused_ = false;
 };
 

@@ -10,7 +10,7 @@ namespace plemora {
 /// A control of a view as assistive technology finds it.
 struct StageControl {
   std::string name;
-  Rect frame;                   ///< global, y up
+  Rect frame;                   ///< global, y up; of a slider, from its least value to its largest
   std::optional<double> value;  ///< of a slider, 0...1
 };
 

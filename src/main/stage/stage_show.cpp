@@ -23,13 +23,19 @@ StageShow::StageShow(StageDesktop& desktop, Time time)
       windows_(desktop.windows, desktop.mainQueue),
       compositor_(desktop, windows_) {
   QAccessible::setActive(true);  // how controls are found by their names
+  icons_.update();
 }
 
 StageShow::~StageShow() = default;
 
+double StageShow::mainScale() {
+  const auto& screens = desktop_.screens.screens().get();
+  return screens.empty() ? 1 : screens.front().scale;
+}
+
 std::shared_ptr<HostedView> StageShow::makeContent(PanelView& view, const ControlCenterLook& look) {
   auto scene = std::make_shared<PanelScene>(view, look);
-  auto content = std::make_shared<StageContent>(scene, desktop_.clock);
+  auto content = std::make_shared<StageContent>(scene, desktop_.clock, mainScale());
   scene->setScreenMapping([weak = std::weak_ptr(content)](const Rect& inScene) {
     const auto alive = weak.lock();
     return alive ? alive->onScreen(inScene) : inScene;

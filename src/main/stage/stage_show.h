@@ -62,6 +62,8 @@ class StageShow {
   std::vector<StageControl> controls();
 
  private:
+  double mainScale();
+
   StageDesktop& desktop_;
   std::unique_ptr<SceneClock> sceneClock_;
   StageIcons icons_;

@@ -33,10 +33,12 @@ double fraction(std::uint32_t seed) {
 
 void glow(QPainter& painter, QPointF center, double radius, const QColor& color) {
   QRadialGradient gradient(center, radius);
-  QColor clear = color;
-  clear.setAlpha(0);
-  gradient.setColorAt(0, color);
-  gradient.setColorAt(1, clear);
+  // It ends softly: a straight slope would show a rim.
+  for (double place = 0; place <= 1; place += 0.125) {
+    QColor step = color;
+    step.setAlphaF(color.alphaF() * static_cast<float>(std::pow(1 - place, 2)));
+    gradient.setColorAt(place, step);
+  }
   painter.fillRect(QRectF(center.x() - radius, center.y() - radius, 2 * radius, 2 * radius),
                    gradient);
 }
@@ -136,8 +138,8 @@ void paintPhotograph(QPainter& painter, const QRectF& all) {
     painter.drawEllipse(QRectF(all.width() * fraction(3 * i),
                                all.height() * 0.34 * fraction(3 * i + 1), side, side));
   }
-  glow(painter, {all.width() * 0.66, all.height() * 0.58}, all.width() * 0.3,
-       QColor(255, 226, 160, 230));
+  glow(painter, {all.width() * 0.66, all.height() * 0.58}, all.width() * 0.42,
+       QColor(255, 226, 160, 240));
   const QColor colors[] = {"#8f86a3", "#5f5f86", "#3c4669", "#232e4a"};
   for (int i = 0; i < 4; ++i) {
     QLinearGradient haze(0, all.height() * (0.4 + 0.08 * i), 0, all.height() * 0.8);

@@ -177,10 +177,12 @@ std::string StageWorld::storedLayout() {
 }
 
 void StageWorld::setScreens(const std::vector<ScenarioScreen>& screens) {
-  const double top = screens.empty() ? 0 : screens.front().height;
   std::vector<Screen> made;
   for (const ScenarioScreen& screen : screens) {
-    const Rect frame{screen.x, top - screen.y - screen.height, screen.width, screen.height};
+    // Seen from the main screen's bottom left corner.
+    const ScenarioScreen& main = screens.front();
+    const Rect frame{screen.x - main.x, main.y + main.height - screen.y - screen.height,
+                     screen.width, screen.height};
     made.push_back(StageDesktop::makeScreen(static_cast<int>(made.size()) + 1, frame, screen.scale,
                                             made.empty()));
   }
