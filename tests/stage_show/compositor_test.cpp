@@ -97,7 +97,8 @@ TEST_F(StageCompositorTest, GlassSeesWhatIsBelowItBlurred) {
   show.setWallpaper(StageWallpaper::black);
   const QColor overBlack = colorAt({450, 450});
   show.setWallpaper(StageWallpaper::white);
-  EXPECT_GT(distance(colorAt({450, 450}), overBlack), 60);
+  const QColor overWhite = colorAt({450, 450});
+  EXPECT_GT(distance(overWhite, overBlack), 60);
   EXPECT_EQ(colorAt({310, 290}), QColor(Qt::white));
 
   // Half of a window below it: the edge of that is soft.
@@ -112,7 +113,7 @@ TEST_F(StageCompositorTest, GlassSeesWhatIsBelowItBlurred) {
   const auto above = makeWindow({300, 300, 40, 40}, green, level(4));
   EXPECT_EQ(colorAt({360, 450}), far);
   below->order(WindowOrder::out);
-  EXPECT_LT(distance(colorAt({570, 450}), far), 10);
+  EXPECT_EQ(colorAt({450, 450}), overWhite);
 }
 
 TEST_F(StageCompositorTest, PaintsNothingAtRestAndOnlyWhatHasChanged) {

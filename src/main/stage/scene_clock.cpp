@@ -1,5 +1,6 @@
 #include "main/stage/scene_clock.h"
 
+#include <QCoreApplication>
 #include <cmath>
 #include <limits>
 
@@ -12,10 +13,13 @@ SceneClock::SceneClock() {
   keeper_.setDuration(std::numeric_limits<int>::max());
   keeper_.setLoopCount(-1);
   keeper_.start();
+  // What starts and stops animations comes by the event loop.
+  QCoreApplication::sendPostedEvents();
 }
 
 SceneClock::~SceneClock() {
   keeper_.stop();
+  QCoreApplication::sendPostedEvents();
   uninstall();
 }
 
