@@ -272,21 +272,24 @@ Problem checkSound(const ScenarioConditions& conditions, const ScenarioScene& sc
 Problem checkLevels(const ScenarioConditions& conditions, const ScenarioScene& scene) {
   AppDelegate* delegate = scene.program.delegate();
   for (const auto& [name, expected] : conditions.levels) {
-    if (delegate == nullptr || delegate->model() == nullptr) {
+    if (delegate == nullptr || delegate->statusItem() == nullptr) {
       return "the program does not run";
     }
-    delegate->model()->publish();
+    // The volume is the slider's: the mixer's own rows follow a slider only later.
+    const PanelRows& rows = delegate->statusItem()->panelView().rows.get();
+    const auto row = std::ranges::find_if(rows, [&wanted = name](const PanelRow& each) {
+      return each.kind == PanelRowKind::app && each.title == wanted;
+    });
     const auto& channels = delegate->model()->channels.get();
     const auto channel = std::ranges::find(channels, name, &AppChannel::name);
-    if (channel == channels.end()) {
+    if (row == rows.end() || channel == channels.end()) {
       return "the mixer does not know \"" + name + "\"";
     }
     const std::string whose = " of \"" + name + "\"";
-    if (auto problem =
-            firstOf({compareLevel("the volume" + whose, expected.volume, channel->volume),
-                     compareFlag("the mute" + whose, expected.isMuted, channel->isMuted),
-                     compareText("the output" + whose, expected.output,
-                                 channel->outputUID.value_or(""))})) {
+    if (auto problem = firstOf({compareLevel("the volume" + whose, expected.volume, row->volume),
+                                compareFlag("the mute" + whose, expected.isMuted, row->isMuted),
+                                compareText("the output" + whose, expected.output,
+                                            channel->outputUID.value_or(""))})) {
       return problem;
     }
   }
