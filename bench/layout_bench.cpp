@@ -46,7 +46,7 @@ void readAndWrite(benchmark::State& state) {
                           static_cast<std::int64_t>(stored.boxes.size() + stored.controls.size()));
 }
 
-void replaceAndRestore(benchmark::State& state) {
+void replaceAndUndo(benchmark::State& state, void (*undo)(ControlCenterLayout&)) {
   MemoryPreferences preferences;
   MemoryFiles files;
   VirtualClock clock;
@@ -55,26 +55,27 @@ void replaceAndRestore(benchmark::State& state) {
   writeStoredLayout(preferences, layoutOf(state.range(0)), StoreOrder::controlsFirst);
   for (auto _ : state) {
     layout.replaceSound();
-    layout.restore();
+    undo(layout);
   }
 }
 
-void replaceAndPutBack(benchmark::State& state) {
-  MemoryPreferences preferences;
-  MemoryFiles files;
-  VirtualClock clock;
-  ScriptedWorkspace workspace;
-  ControlCenterLayout layout(preferences, files, clock, workspace);
-  writeStoredLayout(preferences, layoutOf(state.range(0)), StoreOrder::controlsFirst);
-  for (auto _ : state) {
-    layout.replaceSound();
-    layout.putSoundBack(true);
-  }
+void restore(ControlCenterLayout& layout) {
+  layout.restore();
+}
+
+void putBack(ControlCenterLayout& layout) {
+  layout.putSoundBack(true);
 }
 
 BENCHMARK(readAndWrite)->Arg(15)->Arg(200)->Unit(benchmark::kMicrosecond);
-BENCHMARK(replaceAndRestore)->Arg(15)->Arg(200)->Unit(benchmark::kMicrosecond);
-BENCHMARK(replaceAndPutBack)->Arg(15)->Arg(200)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(replaceAndUndo, restore, restore)
+    ->Arg(15)
+    ->Arg(200)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(replaceAndUndo, putBack, putBack)
+    ->Arg(15)
+    ->Arg(200)
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace plemora
