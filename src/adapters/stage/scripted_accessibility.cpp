@@ -120,7 +120,13 @@ class ScriptedAccessibility::Reference : public AccessibilityElement {
 
 ScriptedAccessibility::ScriptedAccessibility() : world_(std::make_shared<World>()) {}
 
-ScriptedAccessibility::~ScriptedAccessibility() = default;
+// References may outlive it; what its actions and its hook stand for may not.
+ScriptedAccessibility::~ScriptedAccessibility() {
+  std::unique_lock lock(world_->mutex);
+  const auto elements = std::exchange(world_->elements, {});
+  const auto hook = std::exchange(world_->hook, nullptr);
+  lock.unlock();
+}
 
 bool ScriptedAccessibility::isTrusted() {
   const std::lock_guard lock(world_->mutex);
