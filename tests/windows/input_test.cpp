@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QQuickWindow>
+
 #include "adapters/linux/windows/linux_screens.h"
 #include "adapters/linux/windows/quick_windows.h"
 #include "adapters/linux/windows/x11_backdrop.h"
@@ -121,6 +123,7 @@ TEST_F(Input, LocalMonitorsHearPressesInOurWindowsAndMaySwallowThem) {
 }
 
 TEST(ClosedPanel, HasTheServerReportNothing) {
+  QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
   XDisplay display(DisplaySetup{"Bare"});
   XApplication application;
   QtMainQueue queue;
