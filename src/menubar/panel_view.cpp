@@ -240,8 +240,10 @@ void PanelView::openSoundSettings() {
 }
 
 void PanelView::presentRoutes(const Rect& anchor) {
+  isPickerOpen_ = true;
   services_.routePicker.present(anchor, [this, life = std::weak_ptr(life_)] {
     if (!life.expired()) {
+      isPickerOpen_ = false;
       lastPickerClosed_ = services_.clock.mediaTime();
     }
   });

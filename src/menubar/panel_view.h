@@ -93,6 +93,7 @@ class PanelView {
 
   /// Shows the AirPlay receivers beside that place (global, y up).
   void presentRoutes(const Rect& anchor);
+  bool isPickerOpen() const { return isPickerOpen_; }
   /// Media time at which the list of receivers last closed; none before.
   std::optional<double> lastPickerClosed() const { return lastPickerClosed_; }
 
@@ -129,6 +130,7 @@ class PanelView {
   std::optional<float> masterShown_;  // as set by the user, while held or not yet answered
   Timer masterAnswer_;
   bool isVisible_ = false;
+  bool isPickerOpen_ = false;
   std::optional<double> lastPickerClosed_;
   LevelMeters levelMeters_;
   std::vector<Subscription> subscriptions_;

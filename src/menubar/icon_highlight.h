@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+
+#include "base/geometry.h"
+#include "platform/panel_window.h"
+
+namespace plemora {
+
+/// A light capsule over an icon of the menu bar that is not the program's, as the system marks an
+/// icon whose menu is open. It takes no clicks. Main thread; the windows outlive it.
+class IconHighlight {
+ public:
+  explicit IconHighlight(Windows& windows) : windows_(windows) {}
+  ~IconHighlight();
+  IconHighlight(const IconHighlight&) = delete;
+  IconHighlight& operator=(const IconHighlight&) = delete;
+
+  /// Marks the icon that fills that frame (global, y up), and no other; at full alpha.
+  void show(const Rect& icon);
+  void hide();
+  bool isShown() const { return window_ != nullptr; }
+
+  /// 0...1, of the whole mark; nothing happens while there is none.
+  void setAlpha(double alpha);
+
+ private:
+  Windows& windows_;
+  std::unique_ptr<PanelWindow> window_;  // null: hidden
+};
+
+}  // namespace plemora

@@ -1,0 +1,109 @@
+#include "skin/detail_panel.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "menubar/layout_helpers.h"
+#include "menubar/panel_view.h"
+#include "skin/detail_motion.h"
+#include "skin/look/glass_style.h"
+
+namespace plemora {
+
+namespace {
+
+// Alphas of the rim's white.
+constexpr double rimTop = 0.56;
+constexpr double rimRest = 0.18;
+constexpr double rimZPosition = 10;
+
+PanelWindowOptions panelOptions(int level) {
+  PanelWindowOptions options;
+  options.identifier = "control-center-detail";
+  options.title = PanelView::title;
+  options.level = level;
+  options.collectionBehavior =
+      windowCanJoinAllSpaces | windowStationary | windowIgnoresCycle | windowFullScreenAuxiliary;
+  options.animationBehavior = 2;
+  options.ignoresMouseEvents = true;
+  return options;
+}
+
+/// The smallest rectangle that covers both.
+Rect covering(const Rect& one, const Rect& other) {
+  const double left = std::min(one.minX(), other.minX());
+  const double bottom = std::min(one.minY(), other.minY());
+  return {left, bottom, std::max(one.maxX(), other.maxX()) - left,
+          std::max(one.maxY(), other.maxY()) - bottom};
+}
+
+}  // namespace
+
+DetailPanel::DetailPanel(Windows& windows, MainQueue& queue, const ControlCenterLook& look,
+                         int level, std::shared_ptr<HostedView> moduleView,
+                         std::shared_ptr<HostedView> detailView)
+    : moduleView_(std::move(moduleView)),
+      detailView_(std::move(detailView)),
+      window_(windows.makePanel(panelOptions(level))),
+      rim_(look.tuning("rimOuter").value_or(rimTop), look.tuning("rimInner").value_or(rimRest)) {
+  window_->setAlpha(0);
+  backdrop_ = GlassStyle::make(panelRadius, detailView_,
+                               GlassStyle(look.style("detailStyle", builtInDetail)),
+                               window_->surface(), queue);
+  rim_.layer()->zPosition = rimZPosition;
+}
+
+DetailPanel::~DetailPanel() = default;
+
+void DetailPanel::setFrames(const Rect& module, const Rect& panel) {
+  module_ = module;
+  panel_ = panel;
+  const Rect ends = covering(module, panel);
+  setWindowFrame(container_.isEmpty() ? ends : covering(ends, container_));
+}
+
+void DetailPanel::fitWindow() {
+  setWindowFrame(covering(module_, panel_));
+}
+
+void DetailPanel::setWindowFrame(const Rect& frame) {
+  if (window_->frame() != frame) {
+    window_->setFrame(frame);
+    update();
+  }
+}
+
+void DetailPanel::apply(const Rect& rect, double radius, double progress) {
+  container_ = rect;
+  radius_ = radius;
+  progress_ = progress;
+  update();
+}
+
+void DetailPanel::update() {
+  if (container_.isEmpty()) {
+    return;
+  }
+  PanelSurface& surface = window_->surface();
+  const Rect window = window_->frame();
+  surface.setContainer({container_.x - window.x, window.maxY() - container_.maxY(),
+                        container_.width, container_.height},
+                       radius_);
+  rim_.update(container_.size(), radius_, true, 1);
+  surface.setLayer(rim_.layer());
+  std::vector<HostedContent> contents;
+  if (moduleView_) {
+    contents.push_back({moduleView_, inContainer(module_), DetailMotion::moduleAlpha(progress_)});
+  }
+  contents.push_back({detailView_, inContainer(panel_), DetailMotion::detailAlpha(progress_)});
+  surface.setContents(std::move(contents));
+}
+
+/// Across, where it is on the screen.
+Rect DetailPanel::inContainer(const Rect& frame) const {
+  return PinTop::content({frame.width, container_.height}, frame.height, true)
+      .offset(frame.x - container_.x, 0);
+}
+
+}  // namespace plemora
