@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <utility>
 #include <vector>
 
-#include "glass/color_matrix.h"
 #include "glass/gaussian_blur.h"
+#include "glass/look_transform.h"
 #include "glass/outline.h"
 #include "glass/pixel_kernel.h"
 
@@ -22,27 +21,6 @@ int marginInPixels(const GlassLook& look, double scale) {
   const double margin = std::clamp(finiteOr0(look.margin) * scale, 0.0, 1.0 * largestMargin);
   return std::min(static_cast<int>(std::ceil(margin)),
                   GaussianBlur(look.blurRadius * scale).reach());
-}
-
-/// The matrix for opaque pixels, whose alpha of 1 joins the offset, and the washes as one.
-PixelTransform transformFor(const ColorMatrix& matrix, const std::vector<Color>& washes) {
-  PixelTransform transform;
-  float* rows[] = {transform.red, transform.green, transform.blue, transform.alpha};
-  for (std::size_t row = 0; row < std::size(rows); ++row) {
-    const float* from = matrix.data() + 5 * row;
-    std::copy_n(from, 3, rows[row]);
-    rows[row][3] = 255 * (from[3] + from[4]);
-  }
-  for (const Color& wash : washes) {
-    const auto alpha = static_cast<float>(std::clamp(finiteOr0(wash.alpha), 0.0, 1.0));
-    const double parts[] = {wash.red, wash.green, wash.blue, 1};
-    transform.keep *= 1 - alpha;
-    for (std::size_t i = 0; i < std::size(parts); ++i) {
-      const auto part = static_cast<float>(std::clamp(finiteOr0(parts[i]), 0.0, 1.0));
-      transform.wash[i] = transform.wash[i] * (1 - alpha) + 255 * part * alpha;
-    }
-  }
-  return transform;
 }
 
 Color desktopTint(const Color& mean, const GlassLook& look) {
@@ -132,7 +110,8 @@ void BackdropFilter::blur(const Key& key) {
   ++blurCount_;
 }
 
-void BackdropFilter::render(const GlassLook& look, double scale, Raster& target) {
+void BackdropFilter::render(const GlassLook& look, double scale, const PixelRect& wanted,
+                            Raster& target) {
   if (!hasBackdrop() || target.isEmpty()) {
     return;
   }
@@ -144,11 +123,11 @@ void BackdropFilter::render(const GlassLook& look, double scale, Raster& target)
   if (look.desktopTint > 0) {
     washes.push_back(desktopTint(mean_, look));
   }
-  const PixelTransform transform =
-      transformFor(isUsable(look.matrix) ? look.matrix : identityMatrix, washes);
-  for (int y = 0; y < target.height(); ++y) {
-    pixelKernel().transform(target.row(y), blurred_.row(y + margin) + margin,
-                            static_cast<std::size_t>(target.width()), transform);
+  const PixelTransform transform = lookTransform(look.matrix, washes);
+  const PixelRect part = wanted.intersection(target.bounds());
+  for (int y = part.y; y < part.maxY(); ++y) {
+    pixelKernel().transform(target.row(y) + part.x, blurred_.row(y + margin) + margin + part.x,
+                            static_cast<std::size_t>(part.width), transform);
   }
 }
 

@@ -20,9 +20,13 @@ class BackdropFilter {
   /// does not reach as far.
   static double reach(const GlassLook& look, double scale);
 
-  /// Fills the target, which is the view at that scale, with its background. Nothing happens
-  /// without a backdrop.
-  void render(const GlassLook& look, double scale, Raster& target);
+  /// Fills that part of the target, which is the view at that scale, with its background. Nothing
+  /// happens without a backdrop.
+  void render(const GlassLook& look, double scale, const PixelRect& part, Raster& target);
+  /// All of it.
+  void render(const GlassLook& look, double scale, Raster& target) {
+    render(look, scale, target.bounds(), target);
+  }
 
   int blurCount() const { return blurCount_; }
 

@@ -40,6 +40,11 @@ void GlassEffect::setOverlay(std::shared_ptr<Layer> overlay, int index) {
   changed_();
 }
 
+void GlassEffect::setMask(std::shared_ptr<Layer> mask) {
+  mask_ = std::move(mask);
+  changed_();
+}
+
 void GlassEffect::setBounds(const Rect& bounds) {
   if (bounds != bounds_) {
     bounds_ = bounds;

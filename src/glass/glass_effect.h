@@ -24,6 +24,7 @@ class GlassEffect : public EffectView, public std::enable_shared_from_this<Glass
   std::shared_ptr<EffectLayer> layer() override { return tree_->root(); }
   Rect bounds() override { return bounds_; }
   void setOverlay(std::shared_ptr<Layer> overlay, int index) override;
+  void setMask(std::shared_ptr<Layer> mask) override;
 
   void setBounds(const Rect& bounds);
   void setInWindow(bool isInWindow);
@@ -36,6 +37,8 @@ class GlassEffect : public EffectView, public std::enable_shared_from_this<Glass
   GlassLook look() const { return tree_->look(); }
   /// What is to be drawn over the effect; null: nothing.
   const std::shared_ptr<Layer>& overlay() const { return overlay_; }
+  /// Where it is to be seen; null: everywhere.
+  const std::shared_ptr<Layer>& mask() const { return mask_; }
 
  private:
   void makeTree(bool isDark);
@@ -45,6 +48,7 @@ class GlassEffect : public EffectView, public std::enable_shared_from_this<Glass
   std::function<void()> changed_;
   std::unique_ptr<EffectTree> tree_;
   std::shared_ptr<Layer> overlay_;
+  std::shared_ptr<Layer> mask_;
   Delegate* delegate_ = nullptr;
   Rect bounds_;
   bool isInWindow_ = false;

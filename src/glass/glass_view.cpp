@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "glass/backdrop_filter.h"
 #include "glass/blend.h"
@@ -11,6 +13,7 @@
 #include "glass/glass_effect.h"
 #include "glass/layer_renderer.h"
 #include "glass/outline.h"
+#include "glass/window_effect.h"
 
 namespace plemora {
 
@@ -26,21 +29,33 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     if (system_) {
       system_->detach();
     }
+    for (const Added& added : added_) {
+      added.effect.effect()->detach();
+    }
     effect_ = nullptr;
     system_ = nullptr;
+    added_.clear();
   }
 
   std::shared_ptr<GlassEffect> showEffect(const EffectDescription& description) {
     clearBackground();
-    effect_ = std::make_shared<GlassEffect>(description, isDark_, main_, [this] { change(); });
-    effect_->setBounds(bounds());
-    effect_->setInWindow(isInWindow_);
-    return effect_;
+    return effect_ = makeEffect(description, [this] { changeGlass(); });
+  }
+
+  std::shared_ptr<GlassEffect> addEffect(const EffectDescription& description) {
+    const auto revision = std::make_shared<std::uint64_t>(0);
+    auto effect = makeEffect(description, [this, revision] {
+      ++*revision;
+      isGlassStale_ = true;
+      change();
+    });
+    added_.push_back({WindowEffect(effect), revision});
+    return effect;
   }
 
   std::shared_ptr<SystemGlass> showSystemGlass() {
     clearBackground();
-    system_ = std::make_shared<SystemGlass>([this] { change(); });
+    system_ = std::make_shared<SystemGlass>([this] { changeGlass(); });
     return system_;
   }
 
@@ -61,7 +76,34 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     });
   }
 
-  Rect bounds() const { return {0, 0, size_.width, size_.height}; }
+  /// What is below the layer is no longer right either.
+  void changeGlass() {
+    ++revision_;
+    isGlassStale_ = true;
+    change();
+  }
+
+  /// Where in the view everything is.
+  Rect place() const { return container_.value_or(Rect{0, 0, size_.width, size_.height}); }
+  /// The same as the effects see it.
+  Rect bounds() const { return {0, 0, place().width, place().height}; }
+
+  std::vector<std::shared_ptr<GlassEffect>> effects() const {
+    std::vector<std::shared_ptr<GlassEffect>> all;
+    if (effect_) {
+      all.push_back(effect_);
+    }
+    for (const Added& added : added_) {
+      all.push_back(added.effect.effect());
+    }
+    return all;
+  }
+
+  void resizeEffects() {
+    for (const auto& effect : effects()) {
+      effect->setBounds(bounds());
+    }
+  }
 
   std::optional<GlassLook> look() const {
     if (effect_) {
@@ -72,7 +114,7 @@ class GlassView::State : public std::enable_shared_from_this<State> {
 
   void layoutIfNeeded() {
     // A copy: the delegate may show another background.
-    if (const auto effect = effect_) {
+    for (const auto& effect : effects()) {
       effect->layoutIfNeeded();
     }
   }
@@ -84,25 +126,41 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     }
     const int width = pixels(size_.width);
     const int height = pixels(size_.height);
-    if (picture_.width() != width || picture_.height() != height) {
-      picture_.reset(width, height);
+    if (glass_.width() != width || glass_.height() != height) {
+      glass_.reset(width, height);
+      isGlassStale_ = true;
     }
-    if (const auto look = this->look()) {
-      renderBackground(*look);
-    } else {
-      picture_.fill(0);
+    if (std::exchange(isGlassStale_, false)) {
+      renderGlass();
     }
+    picture_ = glass_;
     if (layer_) {
-      LayerRenderer(scale_).render(*layer_, picture_);
+      LayerRenderer(scale_).render(*layer_, picture_, place().origin());
     }
     return picture_;
+  }
+
+  int effectBlurCount() const {
+    int count = 0;
+    for (const Added& added : added_) {
+      count += added.effect.blurCount();
+    }
+    return count;
   }
 
   MainQueue& main_;
   std::function<void()> changed_;
   std::shared_ptr<GlassEffect> effect_;
   std::shared_ptr<SystemGlass> system_;
+  struct Added {
+    WindowEffect effect;
+    std::shared_ptr<std::uint64_t> revision;
+  };
+  std::vector<Added> added_;    // from the bottom
+  std::uint64_t revision_ = 0;  // of the background
   std::shared_ptr<Layer> layer_;
+  std::optional<Rect> container_;
+  double containerRadius_ = 0;
   Size size_;
   double scale_ = 1;
   bool isDark_ = true;
@@ -115,18 +173,47 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     return static_cast<int>(std::min(std::ceil(points * scale_), 1.0 * Raster::largestSide));
   }
 
-  void renderBackground(const GlassLook& look) {
-    if (kind_ == BackdropSource::Kind::pixels && filter_.hasBackdrop()) {
-      filter_.render(look, scale_, picture_);
+  std::shared_ptr<GlassEffect> makeEffect(const EffectDescription& description,
+                                          std::function<void()> changed) {
+    auto effect = std::make_shared<GlassEffect>(description, isDark_, main_, std::move(changed));
+    effect->setBounds(bounds());
+    effect->setInWindow(isInWindow_);
+    return effect;
+  }
+
+  void renderGlass() {
+    const auto look = this->look();
+    if (!look) {
+      glass_.fill(0);
+      return;
+    }
+    const bool isOpaque = kind_ == BackdropSource::Kind::pixels && filter_.hasBackdrop();
+    const PixelRect part = container_ ? pixelsOf(*container_) : glass_.bounds();
+    if (isOpaque) {
+      filter_.render(*look, scale_, part, glass_);
     } else {
       const bool isSeenThrough = kind_ == BackdropSource::Kind::compositor;
-      picture_.fill(pixelFor(isSeenThrough ? look.translucent : look.opaque));
+      glass_.fill(pixelFor(isSeenThrough ? look->translucent : look->opaque));
     }
+    const Point origin = place().origin();
     if (effect_ && effect_->overlay()) {
-      LayerRenderer(scale_).render(*effect_->overlay(), picture_);
+      LayerRenderer(scale_).render(*effect_->overlay(), glass_, origin);
     }
-    RoundedRect shape{bounds(), 0, true};
-    if (system_) {
+    WindowEffect::Revisions below{revision_};
+    for (Added& added : added_) {
+      if (isOpaque) {
+        added.effect.render(glass_, part, scale_, origin, below);
+      }
+      below.push_back(*added.revision);
+    }
+    clip();
+  }
+
+  void clip() {
+    RoundedRect shape{place(), 0, true};
+    if (container_) {
+      shape.radius = containerRadius_;
+    } else if (system_) {
       shape.radius = system_->cornerRadius();
     } else if (effect_->description().masksToBounds) {
       shape.radius = effect_->description().cornerRadius;
@@ -134,10 +221,20 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     }
     Polygons outline;
     addOutline(outline, shape, {}, scale_);
-    clipTo(picture_, coverageOf(outline, FillRule::nonZero, picture_.bounds()));
+    clipTo(glass_, coverageOf(outline, FillRule::nonZero, glass_.bounds()));
   }
 
-  Raster picture_;
+  PixelRect pixelsOf(const Rect& rect) const {
+    const int left = static_cast<int>(std::floor(std::clamp(rect.minX() * scale_, -1e6, 1e6)));
+    const int top = static_cast<int>(std::floor(std::clamp(rect.minY() * scale_, -1e6, 1e6)));
+    const int right = static_cast<int>(std::ceil(std::clamp(rect.maxX() * scale_, -1e6, 1e6)));
+    const int bottom = static_cast<int>(std::ceil(std::clamp(rect.maxY() * scale_, -1e6, 1e6)));
+    return PixelRect{left, top, right - left, bottom - top}.intersection(glass_.bounds());
+  }
+
+  Raster glass_;    // background and effects
+  Raster picture_;  // and the layer
+  bool isGlassStale_ = true;
   bool isStale_ = true;
   bool isTelling_ = false;
 };
@@ -148,17 +245,34 @@ GlassView::~GlassView() = default;
 
 void GlassView::clearBackground() {
   state_->clearBackground();
-  state_->change();
+  state_->changeGlass();
 }
 
 std::shared_ptr<EffectView> GlassView::showEffect(const EffectDescription& description) {
-  state_->change();
+  state_->changeGlass();
   return state_->showEffect(description);
 }
 
 std::shared_ptr<SystemGlassView> GlassView::showSystemGlass() {
-  state_->change();
+  state_->changeGlass();
   return state_->showSystemGlass();
+}
+
+std::shared_ptr<EffectView> GlassView::addEffect(const EffectDescription& description) {
+  state_->changeGlass();
+  return state_->addEffect(description);
+}
+
+void GlassView::setContainer(const Rect& frame, double cornerRadius) {
+  const Rect place = finiteOr0(frame);
+  const double radius = std::max(finiteOr0(cornerRadius), 0.0);
+  if (place == state_->container_ && radius == state_->containerRadius_) {
+    return;
+  }
+  state_->container_ = place;
+  state_->containerRadius_ = radius;
+  state_->changeGlass();
+  state_->resizeEffects();
 }
 
 void GlassView::setLayer(std::shared_ptr<Layer> layer) {
@@ -172,17 +286,15 @@ void GlassView::setSize(Size size) {
     return;
   }
   state_->size_ = size;
-  state_->change();
-  if (state_->effect_) {
-    state_->effect_->setBounds(state_->bounds());
-  }
+  state_->changeGlass();
+  state_->resizeEffects();
 }
 
 void GlassView::setScale(double scale) {
   const double valid = LayerRenderer(scale).scale();
   if (valid != state_->scale_) {
     state_->scale_ = valid;
-    state_->change();
+    state_->changeGlass();
   }
 }
 
@@ -190,28 +302,28 @@ void GlassView::setDark(bool isDark) {
   if (std::exchange(state_->isDark_, isDark) == isDark) {
     return;
   }
-  state_->change();
-  if (const auto effect = state_->effect_) {
+  state_->changeGlass();
+  for (const auto& effect : state_->effects()) {
     effect->setDark(isDark);
   }
 }
 
 void GlassView::setInWindow(bool isInWindow) {
   state_->isInWindow_ = isInWindow;
-  if (const auto effect = state_->effect_) {
+  for (const auto& effect : state_->effects()) {
     effect->setInWindow(isInWindow);
   }
 }
 
 void GlassView::setBackdropKind(BackdropSource::Kind kind) {
   if (std::exchange(state_->kind_, kind) != kind) {
-    state_->change();
+    state_->changeGlass();
   }
 }
 
 void GlassView::setBackdrop(BackdropImage image, const Rect& covers) {
   state_->filter_.setBackdrop(std::move(image), covers);
-  state_->change();
+  state_->changeGlass();
 }
 
 double GlassView::backdropMargin() const {
@@ -230,6 +342,10 @@ const Raster& GlassView::render() {
 
 int GlassView::blurCount() const {
   return state_->filter_.blurCount();
+}
+
+int GlassView::effectBlurCount() const {
+  return state_->effectBlurCount();
 }
 
 }  // namespace plemora

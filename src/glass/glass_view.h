@@ -12,9 +12,10 @@
 
 namespace plemora {
 
-/// The glass of one window: a background (the visual effect, the system glass or none) and a layer
-/// of ours on top, rendered into one picture. What lies behind is blurred once and kept: a new top
-/// layer, opacity or tint costs no blur.
+/// The glass of one window: a background (the visual effect, the system glass or none), effects on
+/// that, and a layer of ours on top, rendered into one picture. What lies behind is blurred once
+/// and kept, for the whole window: a new top layer, opacity, tint or container costs no blur. So is
+/// what each effect blurs, until something below it changes.
 ///
 /// The window tells it where and over what it is shown, asks for the picture when it paints, and
 /// forwards the calls of PanelSurface that have the same names. Coordinates are points of the
@@ -32,6 +33,10 @@ class GlassView {
   void clearBackground();
   std::shared_ptr<EffectView> showEffect(const EffectDescription& description);
   std::shared_ptr<SystemGlassView> showSystemGlass();
+  /// Seen only over pixels: the tints that stand for them elsewhere stay as they are.
+  std::shared_ptr<EffectView> addEffect(const EffectDescription& description);
+  /// All that is shown is in that part of the view and, but for the layer, clipped by its corners.
+  void setContainer(const Rect& frame, double cornerRadius);
   /// Set it again after a change of it. Null: none.
   void setLayer(std::shared_ptr<Layer> layer);
 
@@ -59,6 +64,8 @@ class GlassView {
   const Raster& render();
   /// How often a backdrop has been blurred so far.
   int blurCount() const;
+  /// How often the effects on the background have blurred what is below them.
+  int effectBlurCount() const;
 
  private:
   class State;

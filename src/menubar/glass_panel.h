@@ -55,6 +55,9 @@ class GlassPanel : public PanelWindow {
   void setFrame(const Rect& frame) override;
   double alpha() override { return window_->alpha(); }
   void setAlpha(double alpha) override { window_->setAlpha(alpha); }
+  void setLevel(int level) override { window_->setLevel(level); }
+  int level() override { return window_->level(); }
+  void setIgnoresMouseEvents(bool ignores) override { window_->setIgnoresMouseEvents(ignores); }
   void order(WindowOrder order) override;
   bool isOnScreen() override { return window_->isOnScreen(); }
   std::optional<int> screen() override { return window_->screen(); }

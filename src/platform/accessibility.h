@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,6 +34,12 @@ class AccessibilityElement {
   virtual bool perform(const std::string& action) = 0;
 };
 
+/// Dropping it ends the observation, also from inside its handler.
+class AccessibilityObserver {
+ public:
+  virtual ~AccessibilityObserver() = default;
+};
+
 /// The interfaces of other applications. Any thread but the real-time ones.
 class Accessibility {
  public:
@@ -42,6 +49,11 @@ class Accessibility {
   virtual bool isTrusted() = 0;
   /// The element of a running application; never null, also for a process that is gone.
   virtual AccessibilityElementPointer application(std::int32_t pid) = 0;
+  /// Reports those notifications of an application, such as "AXWindowCreated", on the main thread.
+  /// Null when it cannot be observed. Main thread.
+  [[nodiscard]] virtual std::unique_ptr<AccessibilityObserver> observe(
+      std::int32_t pid, const std::vector<std::string>& notifications,
+      std::function<void()> handler) = 0;
 };
 
 }  // namespace plemora

@@ -64,12 +64,15 @@ class EffectView {
   /// Shows a layer of ours between the system's, at that index from the bottom; null takes it away.
   /// The layer that is shown already keeps its place, and its record is read again.
   virtual void setOverlay(std::shared_ptr<Layer> overlay, int index) = 0;
+  /// Shows the effect only where that layer is opaque, feathered as it says; null: everywhere. The
+  /// record is read again whenever it is set. Frames in points of the view, y down.
+  virtual void setMask(std::shared_ptr<Layer> mask) = 0;
 };
 
 /// NSVisualEffectView's properties, and those of its layer.
 struct EffectDescription {
   int material = 13;     ///< NSVisualEffectView.Material
-  int blendingMode = 0;  ///< 0: behind the window
+  int blendingMode = 0;  ///< 0: what is behind the window; 1: what is below it in the window
   int state = 1;         ///< 1: active
   double cornerRadius = 0;
   bool hasContinuousCorners = true;

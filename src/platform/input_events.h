@@ -11,12 +11,24 @@ namespace plemora {
 inline constexpr unsigned leftMouseDownMask = 1u << 1;
 inline constexpr unsigned leftMouseUpMask = 1u << 2;
 inline constexpr unsigned rightMouseDownMask = 1u << 3;
+inline constexpr unsigned mouseMovedMask = 1u << 5;
+inline constexpr unsigned leftMouseDraggedMask = 1u << 6;
 inline constexpr unsigned keyDownMask = 1u << 10;
 
 /// Virtual key code of Escape (Carbon's kVK_Escape).
 inline constexpr int escapeKeyCode = 53;
 
-enum class InputEventType { leftMouseDown = 1, leftMouseUp = 2, rightMouseDown = 3, keyDown = 10 };
+/// Bit of the left button in InputEvents::pressedMouseButtons().
+inline constexpr unsigned leftMouseButton = 1u << 0;
+
+enum class InputEventType {
+  leftMouseDown = 1,
+  leftMouseUp = 2,
+  rightMouseDown = 3,
+  mouseMoved = 5,
+  leftMouseDragged = 6,
+  keyDown = 10,
+};
 
 struct InputEvent {
   InputEventType type = InputEventType::leftMouseDown;
@@ -45,6 +57,12 @@ class InputEvents {
       unsigned mask, std::function<bool(const InputEvent&)> handler) = 0;
 
   virtual Point pointerLocation() = 0;  ///< global, y up
+  /// The buttons that are down now, as bits: left, right, middle.
+  virtual unsigned pressedMouseButtons() = 0;
+
+  /// Presses and lets go a key as if the user had done so, for whoever has the keyboard. Nothing
+  /// happens where the platform does not let a program do that.
+  virtual void postKey(int keyCode) = 0;
 };
 
 }  // namespace plemora

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/geometry.h"
 #include "platform/effect_view.h"
@@ -40,7 +41,24 @@ struct PanelWindowOptions {
 
 enum class WindowOrder { front, frontRegardless, keyAndFront, out };
 
-/// What a window shows, from the bottom: the background, the content, the layers. Main thread.
+/// One of several views in a window.
+struct HostedContent {
+  std::shared_ptr<HostedView> view;
+  Rect frame;  ///< points of the container, y down; empty: all of it
+  double alpha = 1;
+
+  /// A view that is more than half faded lets pointer and keys through to those below.
+  bool takesInput() const { return view && alpha > 0.5; }
+  /// Where in the window it is, for a container there.
+  Rect placeIn(const Rect& container) const {
+    return frame.isEmpty() ? container : frame.offset(container.x, container.y);
+  }
+
+  bool operator==(const HostedContent&) const = default;
+};
+
+/// What a window shows, from the bottom: the background, effects on it, a layer, the content. Main
+/// thread.
 class PanelSurface {
  public:
   virtual ~PanelSurface() = default;
@@ -53,11 +71,23 @@ class PanelSurface {
   /// Shows the system's own glass.
   virtual std::shared_ptr<SystemGlassView> showSystemGlass() = 0;
 
-  /// The view fills the window. It is asked for nothing before the window is first laid out or
+  /// Shows another effect, of what is below it in the window, over the background and the effects
+  /// added before. It goes with the background: clearBackground() and another background end it.
+  virtual std::shared_ptr<EffectView> addEffect(const EffectDescription& description) = 0;
+
+  /// Where in the window background, effects, layer and content are: a part of it with round,
+  /// continuous corners, which clips the content. Points, y down from the window's top left corner.
+  /// At first they fill the window, each with its own corners.
+  virtual void setContainer(const Rect& frame, double cornerRadius) = 0;
+
+  /// The view fills the container. It is asked for nothing before the window is first laid out or
   /// shown.
   virtual void setContent(std::shared_ptr<HostedView> content) = 0;
-  /// A layer of the window's size on top of everything; the surface shows it again whenever it is
-  /// set. Null: none.
+  /// Several views from the bottom, each at its place, instead of one. Setting them again moves and
+  /// fades those that are shown already.
+  virtual void setContents(std::vector<HostedContent> contents) = 0;
+  /// A layer of the container's size over the glass, below the content; the surface shows it again
+  /// whenever it is set. Null: none.
   virtual void setLayer(std::shared_ptr<Layer> layer) = 0;
   /// Whether the content view's y points down.
   virtual bool isFlipped() = 0;
@@ -72,6 +102,11 @@ class PanelWindow {
   virtual void setFrame(const Rect& frame) = 0;
   virtual double alpha() = 0;  ///< 0...1
   virtual void setAlpha(double alpha) = 0;
+  /// At first that of the options. A window that changes it keeps its place among those of its new
+  /// level only when it is ordered again.
+  virtual void setLevel(int level) = 0;
+  virtual int level() = 0;
+  virtual void setIgnoresMouseEvents(bool ignores) = 0;
   virtual void order(WindowOrder order) = 0;
   virtual bool isOnScreen() = 0;
   /// Screen::id of the screen that shows most of it; none while there is none.

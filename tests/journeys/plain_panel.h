@@ -29,7 +29,7 @@ class PlainPanel : public HostedView, public StageWindowClient {
   static std::vector<StageControl> controls(StageDesktop& desktop) {
     std::vector<StageControl> found;
     for (StageWindow* window : desktop.windows.visible()) {
-      const auto* panel = dynamic_cast<PlainPanel*>(window->stageSurface().content.get());
+      const auto* panel = dynamic_cast<PlainPanel*>(window->stageSurface().content().get());
       if (panel == nullptr) {
         continue;
       }

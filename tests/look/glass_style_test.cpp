@@ -214,7 +214,10 @@ class SurfaceKeeper : public PanelSurface {
     clearBackground();
     return glass = std::make_shared<ScriptedSystemGlass>();
   }
+  std::shared_ptr<EffectView> addEffect(const EffectDescription&) override { return nullptr; }
+  void setContainer(const Rect&, double) override {}
   void setContent(std::shared_ptr<HostedView> view) override { content = std::move(view); }
+  void setContents(std::vector<HostedContent>) override {}
   void setLayer(std::shared_ptr<Layer>) override {}
   bool isFlipped() override { return false; }
 

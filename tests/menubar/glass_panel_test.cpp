@@ -108,10 +108,10 @@ TEST_F(GlassPanelTest, FitsItsRimToEverySize) {
 
 TEST_F(GlassPanelTest, PutsItsContentOnTheGlassOfTheStyle) {
   const auto panel = makePanel();
-  EXPECT_EQ(surface().content, nullptr);
+  EXPECT_EQ(surface().content(), nullptr);
 
   panel->make(15, GlassStyle("cc,r=2"));
-  EXPECT_EQ(surface().content, view);
+  EXPECT_EQ(surface().content(), view);
   ASSERT_NE(surface().effect, nullptr);
   EXPECT_EQ(surface().effect->description().cornerRadius, 15);
   EXPECT_TRUE(surface().effect->hasDelegate());
@@ -125,7 +125,7 @@ TEST_F(GlassPanelTest, PutsItsContentOnTheGlassOfTheStyle) {
 
   panel->make(20, GlassStyle("none"));
   EXPECT_EQ(surface().systemGlass, nullptr);
-  EXPECT_EQ(surface().content, view);
+  EXPECT_EQ(surface().content(), view);
   EXPECT_EQ(view->measurements, 0);  // and the view was asked for nothing
 }
 

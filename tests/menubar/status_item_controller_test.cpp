@@ -53,7 +53,7 @@ TEST_F(StatusItemControllerTest, TheFirstOpeningMakesThePanelForGood) {
                options.hidesOnDeactivate || options.isReleasedWhenClosed);
   EXPECT_TRUE(options.isDark && options.canBecomeKey);
   StageSurface& surface = window().stageSurface();
-  EXPECT_EQ(surface.content, world.content);
+  EXPECT_EQ(surface.content(), world.content);
   ASSERT_NE(surface.effect, nullptr) << "the detail style has a tuned backdrop";
   EXPECT_EQ(surface.effect->description().cornerRadius, 15);
   ASSERT_NE(surface.layer, nullptr);

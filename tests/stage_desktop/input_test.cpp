@@ -139,14 +139,14 @@ TEST_F(Input, ADragStaysWithTheWindowThatItBeganIn) {
   EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved, Phase::pressed, Phase::dragged,
                                                 Phase::dragged, Phase::dragged, Phase::released));
   EXPECT_THAT(otherClient->takePhases(), IsEmpty());
-  EXPECT_EQ(desktop->input.pressedButtons(), 0U);
+  EXPECT_EQ(desktop->input.pressedMouseButtons(), 0U);
   desktop->movePointer({460, 150});
   desktop->movePointer({700, 150});
   EXPECT_THAT(client->takePhases(), ElementsAre(Phase::left));
   EXPECT_THAT(otherClient->takePhases(), ElementsAre(Phase::moved, Phase::left));
 
   desktop->press({150, 150}, StageButton::right);
-  EXPECT_EQ(desktop->input.pressedButtons(), 2U);
+  EXPECT_EQ(desktop->input.pressedMouseButtons(), 2U);
   desktop->release(StageButton::right);
   desktop->scroll({150, 150}, 0, -12, -1);
   ASSERT_EQ(client->scrolls.size(), 1U);

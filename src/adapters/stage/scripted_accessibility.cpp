@@ -140,6 +140,13 @@ AccessibilityElementPointer ScriptedAccessibility::application(std::int32_t pid)
       world_, found == world_->applications.end() ? ElementID::none : found->second);
 }
 
+std::unique_ptr<AccessibilityObserver> ScriptedAccessibility::observe(
+    std::int32_t pid, const std::vector<std::string>& notifications,
+    std::function<void()> handler) {
+  return refusesObservers || !isTrusted() ? nullptr
+                                          : observers_.add(pid, notifications, std::move(handler));
+}
+
 void ScriptedAccessibility::setTrusted(bool isTrusted) {
   const std::lock_guard lock(world_->mutex);
   world_->isTrusted = isTrusted;

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "adapters/stage/observer_list.h"
 #include "platform/accessibility.h"
 
 namespace plemora {
@@ -29,6 +30,17 @@ class ScriptedAccessibility : public Accessibility {
 
   bool isTrusted() override;
   AccessibilityElementPointer application(std::int32_t pid) override;
+  [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(
+      std::int32_t pid, const std::vector<std::string>& notifications,
+      std::function<void()> handler) override;
+
+  /// The application says so. Main thread.
+  void notify(std::int32_t pid, const std::string& notification) {
+    observers_.notify(pid, notification);
+  }
+  /// How many observe applications.
+  int observers() const { return observers_.count(); }
+  bool refusesObservers = false;
 
   /// At first there is trust.
   void setTrusted(bool isTrusted);
@@ -63,6 +75,7 @@ class ScriptedAccessibility : public Accessibility {
   class Reference;
 
   const std::shared_ptr<World> world_;
+  ObserverList observers_;
 };
 
 }  // namespace plemora

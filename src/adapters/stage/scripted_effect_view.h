@@ -41,6 +41,9 @@ class ScriptedEffectView : public EffectView {
     overlay_ = std::move(overlay);
     overlayIndex_ = index;
   }
+  /// As last set; null: none.
+  const std::shared_ptr<Layer>& mask() const { return mask_; }
+  void setMask(std::shared_ptr<Layer> mask) override { mask_ = std::move(mask); }
 
  private:
   MainQueue& queue_;
@@ -51,6 +54,7 @@ class ScriptedEffectView : public EffectView {
   int layouts_ = 0;
   Rect bounds_;
   std::shared_ptr<Layer> overlay_;
+  std::shared_ptr<Layer> mask_;
   int overlayIndex_ = -1;
   std::shared_ptr<int> life_ = std::make_shared<int>(0);  // layouts hold it weakly
 };

@@ -12,6 +12,8 @@ namespace plemora {
 class ScriptedInputEvents : public InputEvents {
  public:
   Point pointer;
+  unsigned pressedButtons = 0;  ///< as pressedMouseButtons() gives them
+  std::vector<int> postedKeys;  ///< codes, in order
 
   /// The event goes to another application.
   void sendElsewhere(const InputEvent& event);
@@ -26,6 +28,8 @@ class ScriptedInputEvents : public InputEvents {
   [[nodiscard]] std::unique_ptr<EventMonitor> monitorLocal(
       unsigned mask, std::function<bool(const InputEvent&)> handler) override;
   Point pointerLocation() override { return pointer; }
+  unsigned pressedMouseButtons() override { return pressedButtons; }
+  void postKey(int keyCode) override { postedKeys.push_back(keyCode); }
 
  private:
   struct Handler {

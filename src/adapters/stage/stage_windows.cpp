@@ -8,6 +8,7 @@ namespace plemora {
 void StageSurface::clearBackground() {
   effect.reset();
   systemGlass.reset();
+  addedEffects.clear();
 }
 
 std::shared_ptr<EffectView> StageSurface::showEffect(const EffectDescription& description) {
@@ -21,6 +22,24 @@ std::shared_ptr<SystemGlassView> StageSurface::showSystemGlass() {
   clearBackground();
   systemGlass = std::make_shared<ScriptedSystemGlass>();
   return systemGlass;
+}
+
+std::shared_ptr<EffectView> StageSurface::addEffect(const EffectDescription& description) {
+  addedEffects.push_back(std::make_shared<ScriptedEffectView>(queue_, description));
+  effects_.push_back(addedEffects.back());
+  return addedEffects.back();
+}
+
+void StageSurface::setContainer(const Rect& frame, double cornerRadius) {
+  container = frame;
+  containerRadius = cornerRadius;
+}
+
+void StageSurface::setContent(std::shared_ptr<HostedView> view) {
+  contents.clear();
+  if (view) {
+    contents.push_back({std::move(view), {}, 1});
+  }
 }
 
 void StageSurface::setLayer(std::shared_ptr<Layer> value) {

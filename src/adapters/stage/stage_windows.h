@@ -21,16 +21,26 @@ class StageSurface : public PanelSurface {
   explicit StageSurface(MainQueue& queue) : queue_(queue) {}
 
   bool flipped = false;
-  std::shared_ptr<ScriptedEffectView> effect;        ///< null: none is shown
-  std::shared_ptr<ScriptedSystemGlass> systemGlass;  ///< null: none is shown
-  std::shared_ptr<HostedView> content;
+  std::shared_ptr<ScriptedEffectView> effect;                     ///< null: none is shown
+  std::shared_ptr<ScriptedSystemGlass> systemGlass;               ///< null: none is shown
+  std::vector<std::shared_ptr<ScriptedEffectView>> addedEffects;  ///< from the bottom
+  std::vector<HostedContent> contents;                            ///< from the bottom
+  /// The undermost of them; null: none.
+  std::shared_ptr<HostedView> content() const {
+    return contents.empty() ? nullptr : contents.front().view;
+  }
+  std::optional<Rect> container;  ///< none: the whole window
+  double containerRadius = 0;
   std::shared_ptr<Layer> layer;
   int layerUpdates = 0;  ///< calls of setLayer
 
   void clearBackground() override;
   std::shared_ptr<EffectView> showEffect(const EffectDescription& description) override;
   std::shared_ptr<SystemGlassView> showSystemGlass() override;
-  void setContent(std::shared_ptr<HostedView> view) override { content = std::move(view); }
+  std::shared_ptr<EffectView> addEffect(const EffectDescription& description) override;
+  void setContainer(const Rect& frame, double cornerRadius) override;
+  void setContent(std::shared_ptr<HostedView> view) override;
+  void setContents(std::vector<HostedContent> views) override { contents = std::move(views); }
   void setLayer(std::shared_ptr<Layer> value) override;
   bool isFlipped() override { return flipped; }
 
@@ -49,7 +59,7 @@ class StageWindow : public PanelWindow {
   StageWindow(StageWindows& owner, const PanelWindowOptions& options);
   ~StageWindow() override;
 
-  const PanelWindowOptions options;
+  PanelWindowOptions options;       ///< as they are now
   const std::int64_t number;        ///< never used again
   std::vector<WindowOrder> orders;  ///< in order of their calls
   std::vector<Rect> frames;         ///< every frame set, in order
@@ -65,6 +75,9 @@ class StageWindow : public PanelWindow {
   void setFrame(const Rect& frame) override;
   double alpha() override { return alpha_; }
   void setAlpha(double alpha) override { alpha_ = alpha; }
+  void setLevel(int level) override { options.level = level; }
+  int level() override { return options.level; }
+  void setIgnoresMouseEvents(bool ignores) override { options.ignoresMouseEvents = ignores; }
   void order(WindowOrder order) override;
   bool isOnScreen() override { return isOnScreen_; }
   std::optional<int> screen() override;

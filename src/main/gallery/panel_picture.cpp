@@ -34,7 +34,14 @@ class GlassSurface : public PanelSurface {
     return glass_.showEffect(description);
   }
   std::shared_ptr<SystemGlassView> showSystemGlass() override { return glass_.showSystemGlass(); }
+  std::shared_ptr<EffectView> addEffect(const EffectDescription& description) override {
+    return glass_.addEffect(description);
+  }
+  void setContainer(const Rect& frame, double cornerRadius) override {
+    glass_.setContainer(frame, cornerRadius);
+  }
   void setContent(std::shared_ptr<HostedView>) override {}
+  void setContents(std::vector<HostedContent>) override {}
   void setLayer(std::shared_ptr<Layer> layer) override { glass_.setLayer(std::move(layer)); }
   bool isFlipped() override { return true; }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <ranges>
 #include <utility>
 
 #include "glass/glass_view.h"
@@ -45,10 +46,7 @@ GlassWindow::GlassWindow(GlassWindows& owner, std::unique_ptr<PanelWindow> inner
 }
 
 GlassWindow::~GlassWindow() {
-  if (content_) {
-    content_->setChangeHandler({});
-    content_->setFrame({});
-  }
+  GlassWindow::setContents({});
   if (owner_ != nullptr) {
     std::erase(owner_->windows_, this);
   }
@@ -64,13 +62,12 @@ void GlassWindow::change() {
 void GlassWindow::order(WindowOrder order) {
   inner_->order(order);
   glass_->setInWindow(inner_->isOnScreen());
-  if (content_) {
-    if (order == WindowOrder::keyAndFront && options_.canBecomeKey) {
-      content_->setFocused(true);
-    } else if (order == WindowOrder::out) {
-      content_->setFocused(false);
-    }
+  if (order == WindowOrder::keyAndFront && options_.canBecomeKey) {
+    hasKeys_ = true;
+  } else if (order == WindowOrder::out) {
+    hasKeys_ = false;
   }
+  updateFocus();
 }
 
 // What is seen of a background is drawn here; the stage's own window has none.
@@ -86,13 +83,90 @@ std::shared_ptr<SystemGlassView> GlassWindow::showSystemGlass() {
   return glass_->showSystemGlass();
 }
 
+std::shared_ptr<EffectView> GlassWindow::addEffect(const EffectDescription& description) {
+  return glass_->addEffect(description);
+}
+
+void GlassWindow::setContainer(const Rect& frame, double cornerRadius) {
+  container_ = RoundedRect{frame, cornerRadius, true};
+  glass_->setContainer(frame, cornerRadius);
+  inner_->surface().setContainer(frame, cornerRadius);
+}
+
 void GlassWindow::setContent(std::shared_ptr<HostedView> content) {
-  content_ = std::dynamic_pointer_cast<StageContent>(content);
-  if (content_) {
-    content_->setChangeHandler([this] { change(); });
-    content_->setFrame([inner = inner_.get()] { return inner->frame(); });
+  std::vector<HostedContent> contents;
+  if (content) {
+    contents.push_back({std::move(content), {}, 1});
   }
-  inner_->surface().setContent(std::move(content));
+  setContents(std::move(contents));
+}
+
+void GlassWindow::setContents(std::vector<HostedContent> contents) {
+  if (contents == contents_) {
+    return;
+  }
+  for (const HostedContent& old : contents_) {
+    const auto view = std::dynamic_pointer_cast<StageContent>(old.view);
+    if (view && std::ranges::find(contents, old.view, &HostedContent::view) == contents.end()) {
+      view->setChangeHandler({});
+      view->setFrame({});
+      view->setFocused(false);
+    }
+  }
+  contents_ = std::move(contents);
+  for (const HostedContent& content : contents_) {
+    if (const auto view = std::dynamic_pointer_cast<StageContent>(content.view)) {
+      view->setChangeHandler([this] { change(); });
+      view->setFrame([this, shown = content.view.get()] { return frameOf(*shown); });
+    }
+  }
+  updateFocus();
+  change();
+  inner_->surface().setContents(contents_);
+}
+
+Rect GlassWindow::placeOf(const HostedContent& content) {
+  const Size size = inner_->frame().size();
+  return content.placeIn(container_ ? container_->rect : Rect{0, 0, size.width, size.height});
+}
+
+Rect GlassWindow::frameOf(const HostedView& view) {
+  const auto shown = std::ranges::find(
+      contents_, &view, [](const HostedContent& content) { return content.view.get(); });
+  if (shown == contents_.end()) {
+    return {};
+  }
+  const Rect window = inner_->frame();
+  const Rect place = placeOf(*shown);
+  return {window.x + place.x, window.maxY() - place.maxY(), place.width, place.height};
+}
+
+std::vector<GlassWindow::Content> GlassWindow::contents() {
+  std::vector<Content> drawn;
+  for (const HostedContent& content : contents_) {
+    if (auto view = std::dynamic_pointer_cast<StageContent>(content.view)) {
+      drawn.push_back({std::move(view), placeOf(content), content.alpha});
+    }
+  }
+  return drawn;
+}
+
+bool GlassWindow::isStale() const {
+  return isStale_ || std::ranges::any_of(contents_, [](const HostedContent& content) {
+           const auto view = std::dynamic_pointer_cast<StageContent>(content.view);
+           return view && content.alpha > 0 && view->isStale();
+         });
+}
+
+void GlassWindow::updateFocus() {
+  bool isTaken = !hasKeys_;
+  for (const HostedContent& content : contents_ | std::views::reverse) {
+    const bool isFocused = !isTaken && content.takesInput();
+    isTaken = isTaken || isFocused;
+    if (const auto view = std::dynamic_pointer_cast<StageContent>(content.view)) {
+      view->setFocused(isFocused);
+    }
+  }
 }
 
 void GlassWindow::setLayer(std::shared_ptr<Layer> layer) {

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "main/stage/stage_content.h"
@@ -51,8 +52,17 @@ class GlassWindow : public PanelWindow, private PanelSurface {
 
   const PanelWindowOptions& options() const { return options_; }
   GlassView& glass() { return *glass_; }
-  StageContent* content() { return content_.get(); }  ///< null: none, or it cannot be drawn
-  bool isStale() const { return isStale_ || (content_ && content_->isStale()); }
+  /// A view in it, and where: in points of the window, y down.
+  struct Content {
+    std::shared_ptr<StageContent> view;
+    Rect place;
+    double alpha = 1;
+  };
+  /// From the bottom; those that cannot be drawn are left out.
+  std::vector<Content> contents();
+  /// What clips them; none: the window.
+  const std::optional<RoundedRect>& container() const { return container_; }
+  bool isStale() const;
   /// It has been drawn as it is now.
   void drawn() { isStale_ = false; }
 
@@ -61,6 +71,9 @@ class GlassWindow : public PanelWindow, private PanelSurface {
   double alpha() override { return inner_->alpha(); }
   void setAlpha(double alpha) override { inner_->setAlpha(alpha); }
   void order(WindowOrder order) override;
+  void setLevel(int level) override { inner_->setLevel(level); }
+  int level() override { return inner_->level(); }
+  void setIgnoresMouseEvents(bool ignores) override { inner_->setIgnoresMouseEvents(ignores); }
   bool isOnScreen() override { return inner_->isOnScreen(); }
   std::optional<int> screen() override { return inner_->screen(); }
   PanelSurface& surface() override { return *this; }
@@ -71,17 +84,26 @@ class GlassWindow : public PanelWindow, private PanelSurface {
   void clearBackground() override;
   std::shared_ptr<EffectView> showEffect(const EffectDescription& description) override;
   std::shared_ptr<SystemGlassView> showSystemGlass() override;
+  std::shared_ptr<EffectView> addEffect(const EffectDescription& description) override;
+  void setContainer(const Rect& frame, double cornerRadius) override;
   void setContent(std::shared_ptr<HostedView> content) override;
+  void setContents(std::vector<HostedContent> contents) override;
   void setLayer(std::shared_ptr<Layer> layer) override;
   bool isFlipped() override { return true; }
 
+  Rect placeOf(const HostedContent& content);
+  Rect frameOf(const HostedView& view);
+  /// The window's keys go to the topmost content that takes input.
+  void updateFocus();
   void change();
 
   GlassWindows* owner_;  // null once it is gone
   std::unique_ptr<PanelWindow> inner_;
   PanelWindowOptions options_;
   std::unique_ptr<GlassView> glass_;
-  std::shared_ptr<StageContent> content_;
+  std::vector<HostedContent> contents_;
+  std::optional<RoundedRect> container_;
+  bool hasKeys_ = false;
   bool isStale_ = true;
 };
 

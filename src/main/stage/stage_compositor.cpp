@@ -1,11 +1,13 @@
 #include "main/stage/stage_compositor.h"
 
 #include <QPainter>
+#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include "glass/glass_view.h"
+#include "glass/outline.h"
 #include "main/stage/desktop_drawing.h"
 #include "main/stage/drawing_painter.h"
 
@@ -14,6 +16,46 @@ namespace plemora {
 namespace {
 
 constexpr double pointerSide = 22;
+
+/// The container's outline, in pixels.
+QPainterPath pathOf(const RoundedRect& container, double scale) {
+  Polygons polygons;
+  addOutline(polygons, container, {}, scale);
+  QPainterPath path;
+  for (const auto& polygon : polygons) {
+    QPolygonF points;
+    for (const Point& point : polygon) {
+      points << QPointF(point.x, point.y);
+    }
+    path.addPolygon(points);
+    path.closeSubpath();
+  }
+  return path;
+}
+
+void paintContents(GlassWindow& window, double scale, QPoint corner, QPainter& painter) {
+  painter.translate(corner);
+  painter.setRenderHint(QPainter::Antialiasing);
+  for (const GlassWindow::Content& content : window.contents()) {
+    if (!(content.alpha > 0)) {
+      continue;
+    }
+    QImage picture = content.view->picture(content.place.size(), scale);
+    picture.setDevicePixelRatio(1);
+    const QPoint at = QPointF(content.place.x * scale, content.place.y * scale).toPoint();
+    painter.setOpacity(content.alpha);
+    if (!window.container()) {
+      painter.drawImage(at, picture);
+      continue;
+    }
+    // As a brush: the painter clips no edge smoothly, but fills any.
+    QPainterPath area;
+    area.addRect(QRectF(QRect(at, picture.size())));
+    QBrush brush(picture);
+    brush.setTransform(QTransform::fromTranslate(at.x(), at.y()));
+    painter.fillPath(pathOf(*window.container(), scale).intersected(area), brush);
+  }
+}
 
 }  // namespace
 
@@ -161,11 +203,7 @@ void StageCompositor::paintWindow(const Canvas& canvas, const Sheet& sheet, cons
   }
   QPainter painter(&layer);
   painter.drawImage(corner - place.topLeft(), imageOf(glass.render()));
-  if (StageContent* content = window.content()) {
-    QImage picture = content->picture(sheet.frame.size(), scale);
-    picture.setDevicePixelRatio(1);
-    painter.drawImage(corner - place.topLeft(), picture);
-  }
+  paintContents(window, scale, corner - place.topLeft(), painter);
   window.drawn();
 }
 

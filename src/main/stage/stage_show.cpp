@@ -57,8 +57,8 @@ void StageShow::tick() {
     sceneClock_->tick(desktop_.clock.mediaTime());
   }
   for (GlassWindow* window : windows_.onScreen()) {
-    if (StageContent* content = window->content()) {
-      content->layOut();
+    for (const auto& content : window->contents()) {
+      content.view->layOut();
     }
   }
 }
@@ -84,10 +84,12 @@ QImage StageShow::picture(int screen) {
 std::vector<StageControl> StageShow::controls() {
   std::vector<StageControl> found;
   for (GlassWindow* window : windows_.onScreen()) {
-    if (StageContent* content = window->content()) {
-      content->layOut();
-      const auto controls = content->controls();
-      found.insert(found.end(), controls.begin(), controls.end());
+    for (const auto& content : window->contents()) {
+      content.view->layOut();
+      if (content.alpha > 0.5) {
+        const auto controls = content.view->controls();
+        found.insert(found.end(), controls.begin(), controls.end());
+      }
     }
   }
   return found;

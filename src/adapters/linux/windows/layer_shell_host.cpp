@@ -25,6 +25,9 @@ constexpr Logger logger("windows");
 constexpr std::uint32_t topRight =
     ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
 
+/// Of a surface of any size.
+constexpr QRect everywhere(0, 0, 1 << 15, 1 << 15);
+
 }  // namespace
 
 LayerShellHost::LayerShellHost(const PanelWindowOptions& options, SessionSource session)
@@ -115,6 +118,15 @@ void LayerShellHost::takeKeys() {
     surface_->takeKeys();
     surface_->commit();
   }
+}
+
+void LayerShellHost::setIgnoresMouseEvents(bool ignores) {
+  if (std::exchange(takesPointer_, !ignores) == !ignores || !surface_) {
+    return;
+  }
+  surface_->setInputRegion(ignores ? QRect() : everywhere);
+  session_->setPanel(this, ignores ? QRect() : frame_);
+  surface_->commit();
 }
 
 void LayerShellHost::setOpacity(double opacity) {

@@ -30,6 +30,7 @@ class LayerShellHost : public PanelHost, private WaylandSurfaceInput {
   void hide() override;
   bool isShown() override { return surface_ != nullptr; }
   void takeKeys() override;
+  void setIgnoresMouseEvents(bool ignores) override;
   bool isComposited() override { return true; }
   void setOpacity(double opacity) override;
 

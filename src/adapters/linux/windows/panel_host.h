@@ -32,6 +32,9 @@ class PanelHost {
 
   /// Whether pixels may be translucent and windows fade at this time.
   virtual bool isComposited() = 0;
+  /// Whether the pointer goes through it to what is below.
+  virtual void setIgnoresMouseEvents(bool ignores) = 0;
+
   /// 0...1, of the whole window; does something only where isComposited().
   virtual void setOpacity(double opacity) = 0;
 };

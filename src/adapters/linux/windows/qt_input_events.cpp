@@ -73,6 +73,14 @@ Point QtInputEvents::pointerLocation() {
   return ScreenSpace::current().toGlobal(QPointF(QCursor::pos()));
 }
 
+unsigned QtInputEvents::pressedMouseButtons() {
+  const Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
+  return (buttons & Qt::LeftButton ? leftMouseButton : 0U) |
+         (buttons & Qt::RightButton ? 1U << 1 : 0U) | (buttons & Qt::MiddleButton ? 1U << 2 : 0U);
+}
+
+void QtInputEvents::postKey(int /*keyCode*/) {}
+
 bool QtInputEvents::eventFilter(QObject* watched, QEvent* event) {
   // Windows get their events before their items do.
   if (!watched->isWindowType()) {

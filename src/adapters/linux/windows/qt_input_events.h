@@ -64,6 +64,9 @@ class QtInputEvents : public QObject, public InputEvents {
   [[nodiscard]] std::unique_ptr<EventMonitor> monitorLocal(
       unsigned mask, std::function<bool(const InputEvent&)> handler) override;
   Point pointerLocation() override;
+  unsigned pressedMouseButtons() override;
+  /// No display lets a program press keys of others.
+  void postKey(int keyCode) override;
 
   bool eventFilter(QObject* watched, QEvent* event) override;
 

@@ -5,6 +5,7 @@
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 #include "adapters/linux/windows/screen_space.h"
@@ -86,13 +87,38 @@ void QuickSurface::setLayer(std::shared_ptr<Layer> layer) {
   glass_.setLayer(std::move(layer));
 }
 
+std::shared_ptr<EffectView> QuickSurface::addEffect(const EffectDescription& description) {
+  return glass_.addEffect(description);
+}
+
+void QuickSurface::setContainer(const Rect& frame, double cornerRadius) {
+  container_ = frame;
+  glass_.setContainer(frame, cornerRadius);
+  layOut();
+}
+
 void QuickSurface::setContent(std::shared_ptr<HostedView> content) {
-  if (contentItem_ != nullptr) {
-    contentItem_->setParentItem(nullptr);
-    contentItem_ = nullptr;
+  std::vector<HostedContent> contents;
+  if (content) {
+    contents.push_back({std::move(content), {}, 1});
   }
-  content_ = std::move(content);
-  isContentStale_ = content_ != nullptr;
+  setContents(std::move(contents));
+}
+
+void QuickSurface::setContents(std::vector<HostedContent> contents) {
+  std::vector<Slot> shown;
+  for (HostedContent& content : contents) {
+    const auto kept = std::ranges::find_if(
+        slots_, [&](const Slot& slot) { return slot.content.view == content.view; });
+    shown.push_back(kept != slots_.end() ? std::move(*kept) : Slot{});
+    shown.back().content = std::move(content);
+    if (kept != slots_.end()) {
+      slots_.erase(kept);
+    }
+  }
+  std::ranges::for_each(slots_, release);
+  slots_ = std::move(shown);
+  areContentsStale_ = true;
   if (root_) {
     root_->polish();
   }
@@ -104,32 +130,63 @@ void QuickSurface::attach(QQuickWindow& window) {
   behind_ = new GlassItem(root_.get());
   body_ = new QQuickItem(root_.get());
   glassItem_ = new GlassItem(body_);
+  clip_ = new QQuickItem(body_);
   glass_.setBackdropKind(backdrop_.kind());
   layOut();
 }
 
 void QuickSurface::detach() {
-  if (contentItem_ != nullptr) {
-    contentItem_->setParentItem(nullptr);  // its view owns it
-    contentItem_ = nullptr;
-  }
+  std::ranges::for_each(slots_, release);
+  areContentsStale_ = true;
   backdropChanges_ = {};
   root_.reset();
   window_ = nullptr;
 }
 
-void QuickSurface::showContent() {
-  auto* view = dynamic_cast<QuickView*>(content_.get());
-  contentItem_ = view != nullptr ? view->item() : nullptr;
-  if (contentItem_ == nullptr) {
-    logger.error("The panel stays empty: its content is no view of Qt Quick, or was not built.");
-    return;
+void QuickSurface::release(Slot& slot) {
+  if (slot.item != nullptr) {
+    slot.item->setParentItem(nullptr);  // its view owns it
+    slot.item = nullptr;
   }
-  contentItem_->setParentItem(body_);
+  slot.holder.reset();
+}
+
+void QuickSurface::showContents() {
+  for (Slot& slot : slots_) {
+    if (!slot.holder) {
+      build(slot);
+    }
+  }
+  layOut();
   if (hasKeys_) {
     focusContent();
   }
-  layOut();
+}
+
+void QuickSurface::build(Slot& slot) {
+  slot.holder = std::make_unique<QQuickItem>(clip_);
+  auto* view = dynamic_cast<QuickView*>(slot.content.view.get());
+  slot.item = view != nullptr ? view->item() : nullptr;
+  if (slot.item == nullptr) {
+    logger.error("The panel stays empty: its content is no view of Qt Quick, or was not built.");
+    return;
+  }
+  slot.item->setParentItem(slot.holder.get());
+}
+
+void QuickSurface::place(Slot& slot, int index) {
+  if (!slot.holder) {
+    return;
+  }
+  const Rect place = slot.content.placeIn({0, 0, clip_->width(), clip_->height()});
+  slot.holder->setPosition({place.x, place.y});
+  slot.holder->setSize({place.width, place.height});
+  slot.holder->setOpacity(slot.content.alpha);
+  slot.holder->setEnabled(slot.content.takesInput());
+  slot.holder->setZ(index);
+  if (slot.item != nullptr) {
+    slot.item->setSize(slot.holder->size());
+  }
 }
 
 void QuickSurface::setFrame(const Rect& frame) {
@@ -149,11 +206,16 @@ void QuickSurface::layOut() {
     return;
   }
   const QSizeF size(frame_.width, frame_.height);
-  for (QQuickItem* item : {static_cast<QQuickItem*>(root_.get()), body_,
-                           static_cast<QQuickItem*>(glassItem_), contentItem_}) {
-    if (item != nullptr) {
-      item->setSize(size);
-    }
+  for (QQuickItem* item :
+       {static_cast<QQuickItem*>(root_.get()), body_, static_cast<QQuickItem*>(glassItem_)}) {
+    item->setSize(size);
+  }
+  const Rect container = container_.value_or(Rect{0, 0, frame_.width, frame_.height});
+  clip_->setPosition({container.x, container.y});
+  clip_->setSize({container.width, container.height});
+  clip_->setClip(container_.has_value());
+  for (std::size_t i = 0; i < slots_.size(); ++i) {
+    place(slots_[i], static_cast<int>(i));
   }
   root_->polish();
 }
@@ -182,8 +244,13 @@ void QuickSurface::setOpacity(double opacity) {
 
 void QuickSurface::focusContent() {
   hasKeys_ = true;
-  if (contentItem_ != nullptr) {
-    contentItem_->setFocus(true, Qt::ActiveWindowFocusReason);
+  for (const Slot& slot : slots_ | std::views::reverse) {
+    if (slot.content.takesInput()) {
+      if (slot.item != nullptr) {
+        slot.item->setFocus(true, Qt::ActiveWindowFocusReason);
+      }
+      return;
+    }
   }
 }
 
@@ -210,8 +277,8 @@ void QuickSurface::prepareFrame() {
   if (std::exchange(isGlassStale_, false)) {
     glassItem_->setRaster(glass_.render());
   }
-  if (std::exchange(isContentStale_, false)) {
-    showContent();
+  if (std::exchange(areContentsStale_, false)) {
+    showContents();
   }
 }
 

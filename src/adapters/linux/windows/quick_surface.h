@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 #include "glass/glass_view.h"
 #include "platform/backdrop_source.h"
@@ -29,8 +31,12 @@ class QuickSurface : public PanelSurface {
   void clearBackground() override;
   std::shared_ptr<EffectView> showEffect(const EffectDescription& description) override;
   std::shared_ptr<SystemGlassView> showSystemGlass() override;
-  /// The content must be a QuickView.
+  std::shared_ptr<EffectView> addEffect(const EffectDescription& description) override;
+  /// Clips the content by the frame alone: the scene has no other way in software.
+  void setContainer(const Rect& frame, double cornerRadius) override;
+  /// Contents must be QuickViews.
   void setContent(std::shared_ptr<HostedView> content) override;
+  void setContents(std::vector<HostedContent> contents) override;
   void setLayer(std::shared_ptr<Layer> layer) override;
   bool isFlipped() override { return true; }
 
@@ -50,8 +56,17 @@ class QuickSurface : public PanelSurface {
 
  private:
   class Root;
+  /// A content and the item that places and fades it.
+  struct Slot {
+    HostedContent content;
+    std::unique_ptr<QQuickItem> holder;  ///< null: not built yet
+    QQuickItem* item = nullptr;          ///< its view owns it; null: it has none
+  };
 
-  void showContent();
+  void showContents();
+  void build(Slot& slot);
+  void place(Slot& slot, int index);
+  static void release(Slot& slot);
   void layOut();
   void backdropChanged();
   void glassChanged();
@@ -62,20 +77,21 @@ class QuickSurface : public PanelSurface {
   Screens& screens_;
   bool isAlwaysDark_;
   GlassView glass_;
-  std::shared_ptr<HostedView> content_;
+  std::vector<Slot> slots_;  // from the bottom
+  std::optional<Rect> container_;
 
   QQuickWindow* window_ = nullptr;
   std::unique_ptr<Root> root_;  // owns the items below it
   GlassItem* behind_ = nullptr;
   QQuickItem* body_ = nullptr;
   GlassItem* glassItem_ = nullptr;
-  QQuickItem* contentItem_ = nullptr;
+  QQuickItem* clip_ = nullptr;  // what holds the contents
 
   Rect frame_;  ///< of the window, in whole points
   bool isOnScreen_ = false;
   bool hasKeys_ = false;
   bool isComposited_ = true;
-  bool isContentStale_ = false;
+  bool areContentsStale_ = false;
   bool isBackdropStale_ = true;
   bool isGlassStale_ = true;
   Subscription backdropChanges_;  // while on screen

@@ -40,6 +40,17 @@ class QuickPanel : public PanelWindow {
     showAlpha();
   }
 
+  // All panels are above the windows of others; among each other the last one ordered is.
+  void setLevel(int level) override { options_.level = level; }
+  int level() override { return options_.level; }
+
+  void setIgnoresMouseEvents(bool ignores) override {
+    options_.ignoresMouseEvents = ignores;
+    if (host_) {
+      host_->setIgnoresMouseEvents(ignores);
+    }
+  }
+
   void order(WindowOrder order) override {
     if (order == WindowOrder::out) {
       if (isOnScreen()) {

@@ -18,6 +18,9 @@ class WindowHost : public PanelHost {
   void hide() override { window_.hide(); }
   bool isShown() override { return window_.isVisible(); }
   void takeKeys() override { window_.requestActivate(); }
+  void setIgnoresMouseEvents(bool ignores) override {
+    window_.setFlag(Qt::WindowTransparentForInput, ignores);
+  }
   bool isComposited() override { return true; }
   void setOpacity(double opacity) override { window_.setOpacity(opacity); }
 

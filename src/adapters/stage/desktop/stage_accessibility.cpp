@@ -98,4 +98,19 @@ AccessibilityElementPointer StageAccessibility::application(std::int32_t pid) {
                                    found == state_->applications.end() ? nullptr : found->second);
 }
 
+std::unique_ptr<AccessibilityObserver> StageAccessibility::observe(
+    std::int32_t pid, const std::vector<std::string>& notifications,
+    std::function<void()> handler) {
+  if (!state_->isTrusted || !state_->applications.contains(pid)) {
+    return nullptr;
+  }
+  return observers_.add(pid, notifications, std::move(handler));
+}
+
+void StageAccessibility::notify(std::int32_t pid, const std::string& notification) {
+  if (state_->isTrusted) {
+    observers_.notify(pid, notification);
+  }
+}
+
 }  // namespace plemora

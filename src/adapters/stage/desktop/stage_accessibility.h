@@ -5,6 +5,7 @@
 #include <map>
 #include <memory>
 
+#include "adapters/stage/observer_list.h"
 #include "platform/accessibility.h"
 
 namespace plemora {
@@ -30,12 +31,22 @@ class StageAccessibility : public Accessibility {
 
   bool isTrusted() override;
   AccessibilityElementPointer application(std::int32_t pid) override;
+  /// Refused without trust, and for a process that has no elements.
+  [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(
+      std::int32_t pid, const std::vector<std::string>& notifications,
+      std::function<void()> handler) override;
+
+  /// The process says so to those who observe it, as long as there is trust.
+  void notify(std::int32_t pid, const std::string& notification);
+  /// How many observe processes.
+  int observers() const { return observers_.count(); }
 
  private:
   struct State;
   class Element;
 
   std::shared_ptr<State> state_;
+  ObserverList observers_;
 };
 
 }  // namespace plemora

@@ -52,10 +52,21 @@ void StageInput::deliver(const StageWindowRecord& window, StagePointerEvent::Pha
   window.owner->pointer(window, {phase, button, pointer, positionIn(window.frame, pointer)});
 }
 
+bool StageInput::reportMove(const std::optional<StageWindowRecord>& window) {
+  const bool isDrag = (pressedButtons & leftMouseButton) != 0;
+  if (!isDrag && pressedButtons != 0) {
+    return true;  // a drag of another button: nobody can ask for it
+  }
+  const auto type = isDrag ? InputEventType::leftMouseDragged : InputEventType::mouseMoved;
+  return passesMonitors({type, 0, pointer}, window && isProgram(*window));
+}
+
 void StageInput::movePointer(const Point& location) {
   pointer = location;
   if (grabbed_) {
-    const auto window = wasSwallowed_ ? std::nullopt : current(grabbed_->number);
+    const auto grabbed = current(grabbed_->number);
+    const bool isSeen = reportMove(grabbed_);
+    const auto window = wasSwallowed_ || !isSeen ? std::nullopt : grabbed;
     if (window) {
       deliver(*window, StagePointerEvent::Phase::dragged, grabButton_);
     }
@@ -68,13 +79,13 @@ void StageInput::movePointer(const Point& location) {
     }
   }
   entered_ = hit;
-  if (hit) {
+  if (reportMove(hit) && hit && current(hit->number)) {
     deliver(*hit, StagePointerEvent::Phase::moved, StageButton::left);
   }
 }
 
 void StageInput::press(StageButton button) {
-  pressed_ |= bit(button);
+  pressedButtons |= bit(button);
   const auto hit = server_.hit(pointer);
   // The owners hear of it first: a menu that is open takes the press away.
   for (StageWindowOwner* owner : server_.owners()) {
@@ -94,7 +105,7 @@ void StageInput::press(StageButton button) {
 }
 
 void StageInput::release(StageButton button) {
-  pressed_ &= ~bit(button);
+  pressedButtons &= ~bit(button);
   const auto grabbed = std::exchange(grabbed_, std::nullopt);
   const auto window = grabbed && !wasSwallowed_ ? current(grabbed->number) : std::nullopt;
   if (button == StageButton::left &&
@@ -116,6 +127,11 @@ StageWindowOwner* StageInput::keyboardOwner() {
   const auto& owners = server_.owners();
   const auto last = std::ranges::max_element(owners, {}, &StageWindowOwner::keyOrder);
   return last == owners.end() || (*last)->keyOrder() == 0 ? nullptr : *last;
+}
+
+void StageInput::postKey(int keyCode) {
+  ScriptedInputEvents::postKey(keyCode);
+  key(keyCode);
 }
 
 void StageInput::key(int keyCode, const std::string& text, unsigned modifiers) {

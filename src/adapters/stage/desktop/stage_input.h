@@ -26,10 +26,11 @@ class StageInput : public ScriptedInputEvents {
   /// A key goes down and up, to who claimed the keyboard last.
   void key(int keyCode, const std::string& text = {}, unsigned modifiers = 0);
 
-  /// Bit 0 is the left button, bit 1 the right one, bit 2 the middle one.
-  unsigned pressedButtons() const { return pressed_; }
+  void postKey(int keyCode) override;
 
  private:
+  /// Tells the monitors that the pointer has moved. False when one swallowed that.
+  bool reportMove(const std::optional<StageWindowRecord>& window);
   bool isProgram(const StageWindowRecord& window) const;
   /// False when a local monitor swallowed it.
   bool passesMonitors(const InputEvent& event, bool isForProgram);
@@ -40,7 +41,6 @@ class StageInput : public ScriptedInputEvents {
 
   StageWindowServer& server_;
   std::function<std::int32_t()> programPid_;
-  unsigned pressed_ = 0;
   std::optional<StageWindowRecord> grabbed_;  // by the button that is down
   StageButton grabButton_ = StageButton::left;
   bool wasSwallowed_ = false;                 // that press, by a local monitor

@@ -1,15 +1,24 @@
 #include "adapters/stage/desktop/stage_program.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace plemora {
 
+namespace {
+
+/// The event as the view of that window sees it.
+template <class Event, class Target>
+Event within(Event event, const Target& target) {
+  event.position.x -= target.origin.x;
+  event.position.y -= target.origin.y;
+  return event;
+}
+
+}  // namespace
+
 StageProgram::StageProgram(StageWorkspace& workspace, StageWindows& windows)
-    : clientOf([](StageWindow& window) {
-        return dynamic_cast<StageWindowClient*>(window.stageSurface().content.get());
-      }),
-      workspace_(workspace),
-      windows_(windows) {}
+    : workspace_(workspace), windows_(windows) {}
 
 void StageProgram::start(const std::string& bundleID, const std::string& name) {
   end();
@@ -76,14 +85,55 @@ void StageProgram::pointer(const StageWindowRecord& window, const StagePointerEv
   if (event.phase == StagePointerEvent::Phase::pressed) {
     shown.pressed();
   }
-  if (StageWindowClient* client = clientOf(shown)) {
-    client->pointer(event);
+  using Phase = StagePointerEvent::Phase;
+  const Target target =
+      event.phase == Phase::dragged || event.phase == Phase::released || event.phase == Phase::left
+          ? targetOf(shown, pointed_.lock())
+          : targetAt(shown, event.position);
+  // Views of one window that the pointer goes between.
+  const Target before = targetOf(shown, pointed_.lock());
+  if (before.client != nullptr && before.client != target.client) {
+    StagePointerEvent left = within(event, before);
+    left.phase = Phase::left;
+    before.client->pointer(left);
+  }
+  pointed_ = target.view;
+  if (target.client != nullptr) {
+    target.client->pointer(within(event, target));
   }
 }
 
+StageProgram::Target StageProgram::targetAt(StageWindow& window,
+                                            const std::optional<Point>& position) {
+  const StageSurface& surface = window.stageSurface();
+  const Size size = window.frame().size();
+  const Rect container = surface.container.value_or(Rect{0, 0, size.width, size.height});
+  for (const HostedContent& content : surface.contents | std::views::reverse) {
+    const Rect place = content.placeIn(container);
+    if (content.takesInput() &&
+        (!position || (surface.contents.size() == 1 && !surface.container) ||
+         (place.contains(*position) && container.contains(*position)))) {
+      return {content.view, dynamic_cast<StageWindowClient*>(content.view.get()), place.origin()};
+    }
+  }
+  return {};
+}
+
+StageProgram::Target StageProgram::targetOf(StageWindow& window,
+                                            const std::shared_ptr<HostedView>& view) {
+  const StageSurface& surface = window.stageSurface();
+  const auto found = std::ranges::find(surface.contents, view, &HostedContent::view);
+  if (view == nullptr || found == surface.contents.end()) {
+    return {};
+  }
+  return {view, dynamic_cast<StageWindowClient*>(view.get()),
+          found->placeIn(surface.container.value_or(Rect{})).origin()};
+}
+
 void StageProgram::scroll(const StageWindowRecord& window, const StageScrollEvent& event) {
-  if (StageWindowClient* client = clientOf(*std::get<StageWindow*>(window.model))) {
-    client->scroll(event);
+  const Target target = targetAt(*std::get<StageWindow*>(window.model), event.position);
+  if (target.client != nullptr) {
+    target.client->scroll(within(event, target));
   }
 }
 
@@ -105,7 +155,10 @@ std::int64_t StageProgram::keyOrder() {
 
 void StageProgram::key(const StageKeyEvent& event) {
   StageWindow* window = keyWindow();
-  if (StageWindowClient* client = window == nullptr ? nullptr : clientOf(*window)) {
+  if (window == nullptr) {
+    return;
+  }
+  if (StageWindowClient* client = targetAt(*window, std::nullopt).client) {
     client->key(event);
   }
 }

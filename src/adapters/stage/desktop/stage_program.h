@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -15,8 +17,9 @@
 namespace plemora {
 
 /// The program as a process of the stage: an application, and the owner of its windows. The stage
-/// does not run it; who does says when it starts and ends. Main thread; what it is given outlives
-/// it.
+/// does not run it; who does says when it starts and ends. Of the views of a window, those that are
+/// clients get its events: the topmost under the pointer, and the topmost of all the keys. Main
+/// thread; what it is given outlives it.
 class StageProgram : public Application, public StageWindowOwner {
  public:
   StageProgram(StageWorkspace& workspace, StageWindows& windows);
@@ -33,8 +36,6 @@ class StageProgram : public Application, public StageWindowOwner {
   std::function<void()> onTerminate;
   std::function<void()> onKilled;
   std::function<void()> onReopen;
-  /// Who takes the events of a window. At first: the view that it shows, if that is a client.
-  std::function<StageWindowClient*(StageWindow&)> clientOf;
 
   const std::vector<MainMenuSection>& mainMenu() const { return mainMenu_; }
 
@@ -52,10 +53,21 @@ class StageProgram : public Application, public StageWindowOwner {
   bool isProgram() override { return true; }
 
  private:
+  /// One of the views that a window shows, and its place there, y down.
+  struct Target {
+    std::shared_ptr<HostedView> view;
+    StageWindowClient* client = nullptr;
+    Point origin;
+  };
+
+  /// The topmost that takes input, there or, without a position, at all.
+  static Target targetAt(StageWindow& window, const std::optional<Point>& position);
+  static Target targetOf(StageWindow& window, const std::shared_ptr<HostedView>& view);
   StageWindow* keyWindow();
 
   StageWorkspace& workspace_;
   StageWindows& windows_;
+  std::weak_ptr<HostedView> pointed_;  // that the pointer is over, or that it was pressed in
   std::int32_t pid_ = -1;
   std::string name_;
   ActivationPolicy policy_ = ActivationPolicy::accessory;
