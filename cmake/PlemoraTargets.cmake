@@ -22,14 +22,12 @@ if(PLEMORA_SANITIZE)
   endif()
 endif()
 
-# Tests are looked into by the sanitizers only as far as they must be: what they test is what counts,
-# and they take longest to compile.
+# Tests take longest to compile: what they test is what counts, so they are not optimised, and are
+# looked into by the sanitizers only as far as they must be.
 add_library(plemora_test_options INTERFACE)
-if(PLEMORA_SANITIZE)
-  target_compile_options(plemora_test_options INTERFACE -O0)
-  if(PLEMORA_SANITIZE MATCHES "undefined")
-    target_compile_options(plemora_test_options INTERFACE -fno-sanitize=undefined)
-  endif()
+target_compile_options(plemora_test_options INTERFACE -O0)
+if(PLEMORA_SANITIZE MATCHES "undefined")
+  target_compile_options(plemora_test_options INTERFACE -fno-sanitize=undefined)
 endif()
 
 # plemora_library(<target> FOLDER <folder below src> SOURCES <files> [LINKS <targets>] [PRIVATE_LINKS <targets>])
