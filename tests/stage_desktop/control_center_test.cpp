@@ -279,7 +279,7 @@ TEST_F(ControlCenter, MovesTheSoundOfTheDefaultOutputByItsSlider) {
   const auto second = desktop->plug({.uid = "two"});
   desktop->hal.setDefaultOutput(second);
   openCenter();
-  const Rect track = StageControlPanel::slider(center().panel().tile(module("Sound")));
+  const Rect track = center().slider(module("Sound"));
   desktop->drag({track.minX() + 5, track.midY()}, {track.minX() + track.width / 4, track.midY()});
   EXPECT_THAT(*desktop->hal.device(second).volume, testing::FloatNear(0.25F, 0.001F));
   EXPECT_EQ(desktop->hal.device(first).volume, 1.0F);

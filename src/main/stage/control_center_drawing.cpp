@@ -5,12 +5,14 @@
 #include "adapters/stage/desktop/stage_modules.h"
 #include "main/stage/desktop_drawing.h"
 #include "main/stage/drawing_parts.h"
+#include "main/stage/stage_glass.h"
 
 namespace plemora {
 
 namespace {
 
 constexpr double cornerRadius = 32;
+constexpr double sliderCornerRadius = 23;  // of tiles with a slider, and of what stands in for them
 
 /// How a module of the system shows itself.
 struct Face {
@@ -93,17 +95,23 @@ class TileDrawing {
       : drawing_(drawing),
         center_(desktop.controlCenter),
         space_(desktop.space),
-        palette_(Palette::of(desktop.appearance.isDark())) {}
+        extensions_(desktop.extensions),
+        palette_(Palette::of(desktop.appearance.isDark())),
+        release_(glassReleaseOf(desktop.systemInfo.version())) {}
 
   /// global: y up.
   void add(const StageTile& tile, const Rect& global) {
     const Rect rect = space_.flipped(global);
+    if (isBlank(tile)) {
+      addSheet(rect, sliderCornerRadius);
+      return;
+    }
     const TileFace face = faceOf(tile);
     const bool isOn = !face.onText.empty() && center_.isOn(tile.module);
     if (tile.size.columns == 1) {
       addRound(rect, face, isOn);
     } else if (StageControlCenter::hasSlider(tile)) {
-      addSliderTile(tile, rect, space_.flipped(StageControlPanel::slider(global)), face);
+      addSliderTile(tile, rect, face);
     } else if (tile.size.rows > 1) {
       addSquare(rect, face, isOn);
     } else {
@@ -129,10 +137,16 @@ class TileDrawing {
     drawing_.push_back(SymbolMark{rect, face.symbol, color, {}});
   }
 
-  void addSheet(const Rect& rect) {
-    const double radius = std::min(cornerRadius, rect.height / 2);
+  bool isBlank(const StageTile& tile) const {
+    const StageControlExtension* extension =
+        tile.control ? extensions_.find(tile.control->extensionID, tile.control->kind) : nullptr;
+    return extension != nullptr && extension->isBlank && extension->isBlank();
+  }
+
+  void addSheet(const Rect& rect, double corner = cornerRadius) {
+    const double radius = std::min(corner, rect.height / 2);
     drawing_.push_back(ShadowMark{rect, radius, 10, 3, 0.16});
-    drawing_.push_back(GlassMark{rect, radius, GlassKind::tile, palette_.isDark});
+    drawing_.push_back(GlassMark{rect, radius, GlassKind::tile, palette_.isDark, release_});
   }
 
   void addRound(const Rect& rect, const TileFace& face, bool isOn) {
@@ -191,47 +205,80 @@ class TileDrawing {
         TextMark{words.offset(0, 18), state, palette_.secondary, 12, 400, TextPlace::left});
   }
 
-  void addSliderTile(const StageTile& tile, const Rect& rect, const Rect& slider,
-                     const TileFace& face) {
-    addSheet(rect);
+  void addSliderTile(const StageTile& tile, const Rect& rect, const TileFace& face) {
+    addSheet(rect, sliderCornerRadius);
     const bool isSound = tile.module == "Sound";
-    const double value = center_.sliderValue(tile);
-    drawing_.push_back(TextMark{{rect.x + 22, rect.y + 8, rect.width - 44, 18},
-                                face.title,
-                                palette_.text,
-                                13,
-                                600,
-                                TextPlace::left});
-    addSlider(drawing_, slider, value, palette_);
-    // The symbols stand where the slider leaves room for them.
-    const double side = 15;
-    if (slider.x - rect.x >= side + 16) {
-      drawing_.push_back(SymbolMark{{slider.x - side - 6, slider.midY() - side / 2, side, side},
-                                    isSound ? "speaker.fill" : "sun.min.fill",
-                                    palette_.secondary,
-                                    {}});
+    const bool isHeadphones = isSound && center_.isOutputHeadphones();
+    const bool isWide = rect.width > 200;
+    const Color ink = palette_.isDark ? Color::white() : Color::black(0.85);
+    const Color faded{ink.red, ink.green, ink.blue, ink.alpha * 0.75};
+    const double titleSize = release_ == GlassRelease::macOS26_1 ? 13 : 12.4;
+    const Rect title{rect.x + 16, rect.y + 11, 60, 15};
+    drawing_.push_back(TextMark{title, face.title, ink, titleSize, 500, TextPlace::left});
+    addSymbol({rect.x + 60, title.midY()}, 10, "chevron.right", faded);
+    const Rect slider = space_.flipped(center_.slider(tile));
+    addTrack(slider, center_.sliderValue(tile));
+    addSymbol({slider.x - 13, slider.midY()}, 15,
+              isHeadphones ? "headphones"
+              : isSound    ? "speaker.fill"
+                           : "sun.min.fill",
+              ink);
+    if (isWide && !isHeadphones) {
+      addSymbol({slider.maxX() + 17, slider.midY()}, 15,
+                isSound ? "speaker.wave.3.fill" : "sun.max.fill", ink);
     }
-    if (rect.maxX() - slider.maxX() >= side + 16) {
-      drawing_.push_back(SymbolMark{{slider.maxX() + 6, slider.midY() - side / 2, side, side},
-                                    isSound ? "speaker.wave.3.fill" : "sun.max.fill",
-                                    palette_.secondary,
-                                    {}});
+    if (isWide && isSound) {
+      const Rect disc{rect.maxX() - 40, rect.y + 29, 26, 26};
+      drawing_.push_back(
+          FillMark{disc, 13, palette_.isDark ? Color::white(0.22) : Color::black(0.85 * 0.08), {}});
+      addSymbol({disc.midX(), disc.midY()}, 15, "airplay.audio", ink);
     }
+  }
+
+  void addSymbol(const Point& middle, double side, const char* name, const Color& color) {
+    drawing_.push_back(
+        SymbolMark{{middle.x - side / 2, middle.y - side / 2, side, side}, name, color, {}});
+  }
+
+  /// The track of Control Center's own sliders, with its knob.
+  void addTrack(const Rect& place, double value) {
+    const Rect track = centered(place, place.width, 4);
+    const double part = std::clamp(value, 0.0, 1.0);
+    drawing_.push_back(FillMark{track, 2, trackColor(), {}});
+    drawing_.push_back(FillMark{{track.x, track.y, std::max(track.width * part, 4.0), 4},
+                                2,
+                                palette_.isDark ? Color::white() : Color::black(0.7),
+                                {}});
+    constexpr double knobWidth = 20;
+    const double offset = std::max(track.width * part - knobWidth / 2, 0.0);
+    const Rect knob{track.x + offset, track.midY() - 7, knobWidth, 14};
+    drawing_.push_back(ShadowMark{knob, 7, 3, 1, 0.25});
+    drawing_.push_back(FillMark{knob, 7, Color::white(), {}});
+  }
+
+  Color trackColor() const {
+    if (release_ == GlassRelease::macOS26_1 || !palette_.isDark) {
+      return Color::black(palette_.isDark ? 0.35 : 0.12);
+    }
+    return Color::white(release_ == GlassRelease::macOS27 ? 0.083 : 0.14);
   }
 
   Drawing& drawing_;
   const StageControlCenter& center_;
   const StageSpace& space_;
+  const StageExtensions& extensions_;
   const Palette& palette_;
+  GlassRelease release_;
 };
 
-void addEditButton(Drawing& drawing, const Rect& button, bool isEditing, const Palette& palette) {
+void addEditButton(Drawing& drawing, const Rect& button, bool isEditing, const Palette& palette,
+                   GlassRelease release) {
   drawing.push_back(ShadowMark{button, button.height / 2, 8, 2, 0.14});
   if (isEditing) {
     addButton(drawing, button, "Done", true, palette);
     return;
   }
-  drawing.push_back(GlassMark{button, button.height / 2, GlassKind::tile, palette.isDark});
+  drawing.push_back(GlassMark{button, button.height / 2, GlassKind::tile, palette.isDark, release});
   drawing.push_back(TextMark{button, "Edit Controls", palette.text, 13, 500, TextPlace::center});
 }
 
@@ -253,7 +300,8 @@ Drawing controlCenterDrawing(StageDesktop& desktop) {
     }
   }
   addEditButton(drawing, desktop.space.flipped(panel.editButton), center.isEditing(),
-                Palette::of(desktop.appearance.isDark()));
+                Palette::of(desktop.appearance.isDark()),
+                glassReleaseOf(desktop.systemInfo.version()));
   if (dragged) {
     if (const StageTile* tile = center.grid().tile(dragged->first)) {
       const Size size = panel.tile(*tile).size();
@@ -284,7 +332,8 @@ Drawing editingDrawing(const StageWindowRecord& window, StageDesktop& desktop) {
                                  TextPlace::left});
     }
     const double radius = std::min(entry.height / 2, 26.0);
-    drawing.push_back(GlassMark{entry, radius, GlassKind::tile, palette.isDark});
+    drawing.push_back(GlassMark{entry, radius, GlassKind::tile, palette.isDark,
+                                glassReleaseOf(desktop.systemInfo.version())});
     const Rect plus{entry.x + 12, entry.midY() - 10, 20, 20};
     drawing.push_back(FillMark{plus, 10, Color{0.19, 0.82, 0.35}, {}});
     drawing.push_back(SymbolMark{centered(plus, 13, 13), "plus", Color::white(), {}});

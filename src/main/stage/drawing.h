@@ -49,12 +49,16 @@ struct ShadowMark {
 /// The sheets of glass that the desktop is made of.
 enum class GlassKind { bar, dock, menu, tile, tileOn, editing };
 
+/// Releases of the system whose glass differs.
+enum class GlassRelease { macOS26_1, macOS26_4, macOS27 };
+
 /// Shows what is below it, blurred and tinted, with a bright rim.
 struct GlassMark {
   Rect rect;
   double radius = 0;
   GlassKind kind = GlassKind::tile;
   bool isDark = true;
+  GlassRelease release = GlassRelease::macOS26_4;
 
   bool operator==(const GlassMark&) const = default;
 };

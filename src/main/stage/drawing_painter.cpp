@@ -133,7 +133,7 @@ void DrawingPainter::paintMark(const GlassMark& mark) {
   if (target.isEmpty()) {
     return;
   }
-  const GlassLook look = stageGlassLook(mark.kind, mark.isDark);
+  const GlassLook look = stageGlassLook(mark.kind, mark.isDark, mark.release);
   const int margin = static_cast<int>(std::ceil(BackdropFilter::reach(look, scale_) * scale_));
   const QRect seen = target.adjusted(-margin, -margin, margin, margin).intersected(below_.rect());
   BackdropFilter filter;
@@ -154,18 +154,29 @@ void DrawingPainter::paintMark(const GlassMark& mark) {
   painter_.drawImage(target.topLeft() - place_, imageOf(raster));
   painter_.restore();
 
-  const GlassRim rim = stageGlassRim(mark.kind, mark.isDark);
-  if (rim.top.alpha > 0) {
-    const double line = scale_ >= 2 ? 0.75 : 1;
-    const QRectF rect = rectF(mark.rect).adjusted(line / 2, line / 2, -line / 2, -line / 2);
-    QLinearGradient light(rect.topLeft(), rect.bottomLeft());
-    light.setColorAt(0, colorF(rim.top));
-    light.setColorAt(1, colorF(rim.bottom));
-    painter_.setPen(QPen(QBrush(light), line));
-    painter_.setBrush(Qt::NoBrush);
-    const double radius = radiusOf(rect, mark.radius - line / 2);
-    painter_.drawRoundedRect(rect, radius, radius);
+  const GlassRim rim = stageGlassRim(mark.kind);
+  if (rim.top <= 0) {
+    return;
   }
+  if (scale_ >= 2) {
+    paintRim(mark, 0.5, 0.25, {rim.top, rim.top});
+    paintRim(mark, 0.5, 0.75, {rim.rest, rim.rest});
+  } else {
+    paintRim(mark, 1, 0.5, rim);
+  }
+}
+
+void DrawingPainter::paintRim(const GlassMark& mark, double width, double inset,
+                              const GlassRim& rim) {
+  const QRectF rect = rectF(mark.rect).adjusted(inset, inset, -inset, -inset);
+  QLinearGradient light(rect.topLeft(), rect.bottomLeft());
+  light.setColorAt(0, colorF(Color::white(rim.top)));
+  light.setColorAt(0.12, colorF(Color::white(rim.rest)));
+  light.setColorAt(1, colorF(Color::white(rim.rest)));
+  painter_.setPen(QPen(QBrush(light), width));
+  painter_.setBrush(Qt::NoBrush);
+  const double radius = radiusOf(rect, mark.radius - inset);
+  painter_.drawRoundedRect(rect, radius, radius);
 }
 
 void DrawingPainter::paintMark(const TextMark& mark) {

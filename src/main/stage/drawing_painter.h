@@ -6,6 +6,7 @@
 #include "base/geometry.h"
 #include "glass/raster.h"
 #include "main/stage/drawing.h"
+#include "main/stage/stage_glass.h"
 #include "platform/backdrop_source.h"
 
 namespace plemora {
@@ -29,6 +30,7 @@ class DrawingPainter {
   void paintMark(const StrokeMark& mark);
   void paintMark(const ShadowMark& mark);
   void paintMark(const GlassMark& mark);
+  void paintRim(const GlassMark& mark, double width, double inset, const GlassRim& rim);
   void paintMark(const TextMark& mark);
   void paintMark(const SymbolMark& mark);
   void paintMark(const AppIconMark& mark);

@@ -142,10 +142,21 @@ void StageControlCenter::show() {
   if (phase_ == Phase::closed) {
     panelNumber_ = services_.numbers.next();
   }
+  notify("AXWindowCreated");
   phase_ = Phase::open;
   order_ = services_.numbers.next();
   fade_.start(services_.clock.mediaTime(), 1, fadeInDuration);
   highlightIcon(true);
+}
+
+/// To those who observe the process, in a later turn, as it comes from another one.
+void StageControlCenter::notify(const std::string& notification) {
+  services_.mainQueue.async([life = std::weak_ptr(life_), pid = pid_, notification] {
+    const auto center = life.lock();
+    if (center && *center != nullptr) {
+      (*center)->services_.accessibility.notify(pid, notification);
+    }
+  });
 }
 
 void StageControlCenter::close() {
@@ -189,6 +200,7 @@ void StageControlCenter::setEditing(bool isEditing) {
     return;
   }
   isEditing_ = isEditing;
+  notify("AXFocusedWindowChanged");
   dragged_.reset();
   editNumbers_.clear();
   if (!isEditing) {
@@ -268,6 +280,26 @@ std::vector<StageTile> StageControlCenter::shownTiles() const {
 bool StageControlCenter::hasSlider(const StageTile& tile) {
   const StageModule* module = findStageModule(tile.module);
   return module != nullptr && module->hasSlider && tile.size.columns > 1;
+}
+
+Rect StageControlCenter::slider(const StageTile& tile) const {
+  constexpr double narrow = 200;
+  const Rect frame = panel().tile(tile);
+  const bool isSound = tile.module == "Sound";
+  const bool isHeadphones = isSound && isOutputHeadphones();
+  const double right = frame.width <= narrow ? 16 : isSound && !isHeadphones ? 77 : 49;
+  return StageControlPanel::slider(frame, {isHeadphones ? 37.0 : 34.0, right});
+}
+
+bool StageControlCenter::isOutputHeadphones() const {
+  const AudioObjectID output = services_.hal.defaultOutput();
+  if (output == kAudioObjectUnknown) {
+    return false;
+  }
+  const SimulatedDevice device = services_.hal.device(output);
+  const std::string name = device.name.value_or("");
+  return device.dataSource == kAudioDataSourceHeadphones || name.find("AirPods") != name.npos ||
+         name.find("eadphones") != name.npos;
 }
 
 double StageControlCenter::sliderValue(const StageTile& tile) const {

@@ -108,6 +108,11 @@ class StageControlCenter : public StageWindowOwner {
   /// Whether the tile of a module is switched on, such as that of "WiFi".
   bool isOn(const std::string& module) const { return !off_.contains(module); }
   static bool hasSlider(const StageTile& tile);
+  /// Where the slider of a tile is (global, y up), also while it is closed.
+  Rect slider(const StageTile& tile) const;
+  /// Whether Sound shows headphones: the default output says that they are plugged in, or is named
+  /// so.
+  bool isOutputHeadphones() const;
   /// Of Sound: volume of the default output; of Display: brightness. 0...1.
   double sliderValue(const StageTile& tile) const;
   /// Id of the tile on its way in the user's hand, and where its top left corner is (global, y up).
@@ -142,6 +147,7 @@ class StageControlCenter : public StageWindowOwner {
   void readLayout();
   bool edited(bool isDone);
   void show();
+  void notify(const std::string& notification);
   void setEditing(bool isEditing);
   void knowControls();
   void ended();

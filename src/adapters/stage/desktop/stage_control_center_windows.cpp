@@ -162,7 +162,7 @@ void StageControlCenter::pressed(const StageWindowRecord& window, const Point& l
   }
   const Rect frame = place.tile(*tile);
   held_ = {Held::Part::tile, tile->id, {location.x - frame.minX(), location.y - frame.maxY()}};
-  if (!isEditing_ && hasSlider(*tile) && StageControlPanel::slider(frame).contains(location)) {
+  if (!isEditing_ && hasSlider(*tile) && slider(*tile).contains(location)) {
     held_.part = Held::Part::slider;
     slide(location);
   }
@@ -170,7 +170,7 @@ void StageControlCenter::pressed(const StageWindowRecord& window, const Point& l
 
 void StageControlCenter::slide(const Point& location) {
   if (const StageTile* tile = grid_.tile(held_.id)) {
-    const Rect track = StageControlPanel::slider(panel().tile(*tile));
+    const Rect track = slider(*tile);
     setSlider(held_.id, (location.x - track.minX()) / track.width);
   }
 }

@@ -75,7 +75,7 @@ std::optional<Facts> ControlCenterElement::factsOfTile(const StageTile& tile) co
   const std::string name = module == nullptr ? tile.name() : std::string(module->name);
   switch (kind_) {
     case Kind::slider:
-      return Facts{"AXSlider", "slider-" + tile.module, name, StageControlPanel::slider(frame)};
+      return Facts{"AXSlider", "slider-" + tile.module, name, center().slider(tile)};
     case Kind::detailButton:
       return Facts{"AXButton", "", "Show details", StageControlPanel::detailButton(frame)};
     case Kind::removeButton:

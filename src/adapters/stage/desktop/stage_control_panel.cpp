@@ -27,8 +27,10 @@ Rect StageControlPanel::tile(const StageTile& tile) const {
           tileHeight};
 }
 
-Rect StageControlPanel::slider(const Rect& tile) {
-  return {tile.minX() + 36, tile.minY() + 10, std::max(tile.width - 72, 8.0), 24};
+Rect StageControlPanel::slider(const Rect& tile, const SliderRoom& room) {
+  constexpr double height = 24;
+  return {tile.minX() + room.left, tile.maxY() - sliderMidY - height / 2,
+          std::max(tile.width - room.left - room.right, 20.0), height};
 }
 
 Rect StageControlPanel::removeBadge(const Rect& tile) {

@@ -25,8 +25,14 @@ struct StageControlPanel {
   static StageControlPanel place(const Rect& screen, double menuBarHeight, int rows);
 
   Rect tile(const StageTile& tile) const;
-  /// Of a tile of Sound or Display, the part that is a slider.
-  static Rect slider(const Rect& tile);
+  /// What is left free beside the track of a slider, in points.
+  struct SliderRoom {
+    double left = 34;
+    double right = 16;
+  };
+  static constexpr double sliderMidY = 42;  ///< of a slider, below the top of its tile
+  /// Of a tile with a slider, the part that takes it.
+  static Rect slider(const Rect& tile, const SliderRoom& room);
   /// In edit mode, the badge that takes a tile away.
   static Rect removeBadge(const Rect& tile);
   /// Of a tile of two columns and more, the button that would show more of it.

@@ -15,6 +15,8 @@ struct StageControlExtension {
   std::string displayName;
   std::string description;
   std::function<void()> perform;  ///< what a press on the control does
+  /// Whether the control shows nothing for now: its app draws over it. Empty: never.
+  std::function<bool()> isBlank{};
 
   bool isControl(const std::string& id, const std::string& kindOfControl) const {
     return extensionID == id && kind == kindOfControl;
