@@ -108,34 +108,32 @@ std::vector<Rect> ControlCenterLocator::windows(int layer) const {
   return found;
 }
 
-std::optional<ControlCenterWindow> ControlCenterLocator::panelWindow() const {
+ControlCenterLocator::Glance ControlCenterLocator::glance() const {
   const Screen* main = mainScreen();
+  Glance seen;
   if (main == nullptr) {
-    return std::nullopt;
+    return seen;
   }
   for (const ControlCenterWindow& window : controlCenterWindows()) {
     // Edit mode's windows are as wide as the display.
-    if (window.layer != statusWindowLevel && window.rect.minY() < topEdge &&
-        window.rect.height > panelMinHeight &&
-        window.rect.width < main->frame.width - edgeTolerance) {
-      return window;
+    const bool isFullWidth = window.rect.width >= main->frame.width - edgeTolerance;
+    if (isFullWidth && window.rect.height >= main->frame.height - edgeTolerance) {
+      seen.isEditing = true;
+    }
+    if (!seen.panel && !isFullWidth && window.layer != statusWindowLevel &&
+        window.rect.minY() < topEdge && window.rect.height > panelMinHeight) {
+      seen.panel = window;
     }
   }
-  return std::nullopt;
+  return seen;
+}
+
+std::optional<ControlCenterWindow> ControlCenterLocator::panelWindow() const {
+  return glance().panel;
 }
 
 bool ControlCenterLocator::isEditing() const {
-  const Screen* main = mainScreen();
-  if (main == nullptr) {
-    return false;
-  }
-  for (const ControlCenterWindow& window : controlCenterWindows()) {
-    if (window.rect.width >= main->frame.width - edgeTolerance &&
-        window.rect.height >= main->frame.height - edgeTolerance) {
-      return true;
-    }
-  }
-  return false;
+  return glance().isEditing;
 }
 
 AccessibilityElementPointer ControlCenterLocator::menuItem() const {

@@ -44,6 +44,13 @@ class ControlCenterLocator {
   /// Whether Control Center covers the display, as it does while the user edits it.
   bool isEditing() const;
 
+  /// Both of these, for one question to the window server.
+  struct Glance {
+    std::optional<ControlCenterWindow> panel;
+    bool isEditing = false;
+  };
+  Glance glance() const;
+
   /// Control Center's menu bar item; null without one.
   AccessibilityElementPointer menuItem() const;
   /// The frame of that item's window in the global space, y up.

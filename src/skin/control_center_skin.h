@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -24,6 +25,7 @@
 namespace plemora {
 
 class SkinOverlay;
+struct ModuleGeometry;
 
 /// Shows a live module over the program's tiles while Control Center is open: finds the tiles,
 /// follows them from frame to frame, and takes drags of the volume and presses by watching the
@@ -74,7 +76,7 @@ class ControlCenterSkin {
  private:
   enum class DragKind { none, slider, detailPress };
 
-  void followOutputs(OutputDevices& outputs);
+  void followOutputs();
 
   void housekeep();
   void observe(std::int32_t pid);
@@ -82,7 +84,7 @@ class ControlCenterSkin {
 
   void followControlCenter();
   void follow(const ControlCenterWindow& panel);
-  bool isFading(double panelAlpha);
+  bool isFading(double alpha);
   void scanIfDue();
   void finishScan(std::vector<AccessibilityElementPointer> tiles);
   std::vector<Rect> framesToUse(const Rect& panel);
@@ -95,11 +97,13 @@ class ControlCenterSkin {
 
   void installMonitors();
   void handle(const InputEvent& event);
-  void press(const Point& location);
-  void endDrag();
+  void press(const Point& place);
+  void release();
   void setVolumeAt(double x);
-  void updateHover();
+  void updateHover(const Point& pointer);
+  std::optional<std::size_t> pillAt(double x) const;
   Point inModule(const Point& location) const;
+  ModuleGeometry geometry() const;
 
   const SkinServices services_;
   OutputDevices& outputs_;
@@ -118,7 +122,7 @@ class ControlCenterSkin {
   std::optional<std::vector<Rect>> cachedFrames_;               // y down, as accessibility has them
   std::optional<Rect> cachedPanelWindow_;                       // for which they were read
 
-  std::string styleText_;  // that the overlay was made for
+  std::string overlayStyle_;  // that the overlay was made for, or the next one will be
   std::unique_ptr<SkinOverlay> overlay_;
   bool isShowing_ = false;
   Rect moduleFrame_;
@@ -129,7 +133,8 @@ class ControlCenterSkin {
   double lastHandledPress_ = -std::numeric_limits<double>::infinity();
   bool wasEditing_ = false;
   bool isClosing_ = false;
-  std::optional<double> fadeStart_;  // media time
+  std::optional<double> panelAlpha_;  // of Control Center's panel, at the last tick
+  std::optional<double> fadeStart_;   // media time
   std::vector<std::unique_ptr<EventMonitor>> mouseMonitors_;
 
   std::stop_source scans_;                                // ends one that is under way

@@ -1,1 +1,68 @@
-namespace plemora {}
+#include "skin/seam_shapes.h"
+
+#include <algorithm>
+
+namespace plemora {
+
+namespace {
+
+// How far along an edge a continuous corner reaches, in radii.
+constexpr double continuousReach = 1.53;
+
+}  // namespace
+
+SeamShapes::SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius)
+    : module_(module), radius_(std::min(cornerRadius, module.height / 2)) {
+  if (pills.size() < 2) {
+    return;
+  }
+  // A tile may stand a fraction of a point lower than its neighbour; the seam does not tell.
+  left_ = {pills[0].x, 0, pills[0].width, module.height};
+  right_ = {pills[1].x, 0, pills[1].width, module.height};
+  hasSeam_ = left_.maxX() <= right_.minX() && right_.maxX() <= module.width;
+}
+
+double SeamShapes::clamped(double dilation) const {
+  const double gap = right_.minX() - left_.maxX();
+  return std::clamp(dilation, -gap / 2, std::min(left_.width, right_.width) / 2);
+}
+
+/// The tiles with their facing edges moved, and made so long that the module has the facing
+/// corners alone.
+std::vector<RoundedRect> SeamShapes::tilesMovedApart(double dilation) const {
+  const double outside = 2 * radius_;
+  return {
+      {{left_.x - outside, 0, left_.width + outside - dilation, module_.height}, radius_, true},
+      {{right_.x + dilation, 0, right_.width + outside - dilation, module_.height}, radius_, true}};
+}
+
+std::vector<RoundedRect> SeamShapes::seam(double dilation) const {
+  if (!hasSeam_) {
+    return {};
+  }
+  auto path = tilesMovedApart(clamped(dilation));
+  path.insert(path.begin(), {{0, 0, module_.width, module_.height}, 0, false});
+  return path;
+}
+
+std::vector<RoundedRect> SeamShapes::caps(double dilation) const {
+  auto path = seam(dilation);
+  const double height = continuousReach * radius_;
+  if (hasSeam_ && 2 * height < module_.height) {
+    const double moved = clamped(dilation);
+    const double start = left_.maxX() - moved;
+    // What is between the ends is there twice, and so not at all.
+    path.push_back(
+        {{start, height, right_.minX() + moved - start, module_.height - 2 * height}, 0, false});
+  }
+  return path;
+}
+
+std::vector<RoundedRect> SeamShapes::edges() const {
+  if (!hasSeam_) {
+    return {};
+  }
+  return {{left_, radius_, true}, {right_, radius_, true}};
+}
+
+}  // namespace plemora

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <vector>
+
+#include "base/geometry.h"
+#include "platform/layer.h"
+
+namespace plemora {
+
+/// Where a module made of two tiles shows that it is: the shapes to draw there. Points of the
+/// module, y down. All of them are empty where there are no two tiles side by side.
+class SeamShapes {
+ public:
+  /// Of a module without a seam.
+  SeamShapes() = default;
+  /// The tiles' rectangles from left to right, and the radius of their corners.
+  SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius);
+
+  /// The gap between the tiles with the wedges that their facing corners leave open; each tile's
+  /// edge is moved that far into the tile. Even-odd; what of it lies beyond the module is not
+  /// meant, so it is for a layer that clips to the module.
+  std::vector<RoundedRect> seam(double dilation) const;
+  /// Its two ends alone, as high as the corners are. Likewise.
+  std::vector<RoundedRect> caps(double dilation) const;
+  /// The outlines of both tiles, to be stroked.
+  std::vector<RoundedRect> edges() const;
+
+ private:
+  double clamped(double dilation) const;
+  std::vector<RoundedRect> tilesMovedApart(double dilation) const;
+
+  bool hasSeam_ = false;
+  Size module_;
+  Rect left_;
+  Rect right_;
+  double radius_ = 0;
+};
+
+}  // namespace plemora
