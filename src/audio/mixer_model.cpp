@@ -27,6 +27,9 @@ MixerModel::MixerModel(MixerServices services)
               if (again) {
                 syncTap(id);
               }
+              if (taps_.hasTap(id)) {
+                tapLevels_.tapStarted();
+              }
               publish();
             }),
       tapLevels_(services_.mainQueue, [this] { return taps_.takeLevels(); }) {

@@ -23,8 +23,9 @@ struct Peaks {
 class TapLevels::Watch {
  public:
   std::map<std::string, Peaks> peaks;  ///< by tap, since this watcher's last reading
+  double interval = 0;
   Watcher watcher;
-  Timer timer;
+  Timer timer;  ///< none while no tap runs
 };
 
 struct TapLevels::Shared {
@@ -69,17 +70,36 @@ TapLevels::~TapLevels() = default;
 std::shared_ptr<TapLevels::Watch> TapLevels::watch(double interval, Watcher watcher) {
   shared_->read();  // what came before belongs to the others
   auto watch = std::make_shared<Watch>();
+  watch->interval = interval;
   watch->watcher = std::move(watcher);
-  watch->timer =
-      mainQueue_.every(interval, [shared = std::weak_ptr(shared_), weak = std::weak_ptr(watch)] {
-        const auto levels = shared.lock();
-        const auto self = weak.lock();
-        if (levels && self) {
-          self->watcher(levels->readFor(*self));
-        }
-      });
+  run(watch);
   shared_->watches.push_back(watch);
   return watch;
+}
+
+void TapLevels::run(const std::shared_ptr<Watch>& watch) {
+  watch->timer = mainQueue_.every(watch->interval,
+                                  [shared = std::weak_ptr(shared_), weak = std::weak_ptr(watch)] {
+                                    const auto levels = shared.lock();
+                                    const auto self = weak.lock();
+                                    if (!levels || !self) {
+                                      return;
+                                    }
+                                    const auto reading = levels->readFor(*self);
+                                    if (reading.empty()) {
+                                      self->timer.reset();
+                                    }
+                                    self->watcher(reading);
+                                  });
+}
+
+void TapLevels::tapStarted() {
+  for (const auto& weak : shared_->watches) {
+    const auto watch = weak.lock();
+    if (watch && !watch->timer) {
+      run(watch);
+    }
+  }
 }
 
 void TapLevels::startLog() {

@@ -18,8 +18,8 @@ struct TapLevel {
 };
 
 /// The one reader of the taps' peaks. Reading resets them, so everybody who wants them asks here
-/// and gets the maxima since its own last reading. While nobody watches there is no timer.
-/// Main thread only.
+/// and gets the maxima since its own last reading. While nobody watches, or no tap runs, there is
+/// no timer. Main thread only.
 class TapLevels {
  public:
   /// Reads and resets the peaks of every running tap; in order of id.
@@ -35,14 +35,19 @@ class TapLevels {
   ~TapLevels();
 
   /// Calls the watcher every so many seconds (above 0) with the running taps, in order of id; the
-  /// peaks count from this call on.
+  /// peaks count from this call on. A reading without any tap is the last one until tapStarted().
   [[nodiscard]] std::shared_ptr<Watch> watch(double interval, Watcher watcher);
+
+  /// A tap runs that did not run before.
+  void tapStarted();
 
   /// Writes the levels to the log, category "levels", every logInterval from now on.
   void startLog();
 
  private:
   struct Shared;
+
+  void run(const std::shared_ptr<Watch>& watch);
 
   MainQueue& mainQueue_;
   std::shared_ptr<Shared> shared_;  ///< timers of watchers that are left over hold it weakly

@@ -26,10 +26,14 @@ struct TapLevelsTest : testing::Test {
                    }};
 
   void sound(const std::string& id, float inputPeak) {
+    const bool isNew = !taps.contains(id);
     TapLevel& tap = taps[id];
     tap.gain = 0.5f;
     tap.inputPeak = std::max(tap.inputPeak, inputPeak);
     tap.peak = std::max(tap.peak, inputPeak * 0.5f);
+    if (isNew) {
+      levels.tapStarted();
+    }
   }
 
   struct Watcher {
@@ -111,6 +115,21 @@ TEST_F(TapLevelsTest, cost_nothing_while_nobody_watches) {
   const int before = reads;
   main.advance(60);
   EXPECT_EQ(reads, before);
+}
+
+TEST_F(TapLevelsTest, rest_while_no_tap_runs) {
+  Watcher watcher;
+  start(watcher, 1.0);
+  main.advance(10);
+  EXPECT_EQ(watcher.readings.size(), 1u) << "one tells that there is nothing";
+  EXPECT_EQ(main.pendingTimers(), 0);
+  sound("a", 0.5f);
+  main.advance(1);
+  EXPECT_THAT(watcher.peaks(), ElementsAre(0.5f));
+  taps.clear();
+  main.advance(10);
+  EXPECT_EQ(watcher.readings.size(), 3u);
+  EXPECT_EQ(main.pendingTimers(), 0);
 }
 
 TEST_F(TapLevelsTest, can_be_left_by_a_watcher_during_its_reading) {
