@@ -14,6 +14,7 @@
 #include "controlcenter/layout_record.h"
 #include "controlcenter/panel_url.h"
 #include "platform/accessibility.h"
+#include "platform/clock.h"
 #include "platform/control_reload.h"
 #include "platform/system_info.h"
 #include "platform/user_defaults.h"
@@ -35,6 +36,7 @@ constexpr double requestDelay = 0.12;  // Control Center, or who opened a URL, i
 constexpr double argumentDelay = 0.3;
 constexpr double reloadDelay = 2.0;  // for Control Center to be back
 constexpr double primeDelay = 4.0;
+constexpr double samePressTime = 1.0;  // between the skin's own word of a press and the tile's
 
 constexpr std::size_t wholeTiles = 2;  // of the program, in place of Sound
 
@@ -57,6 +59,10 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::startApp() {
   model_ = services_.makeModel();
   makeStatusItem();
+  makeSkin();
+  makeDetail();
+  wireSkinAndDetail();
+  skin_->start();
   services_.menuBar.updater.start();
   services_.launchAtLogin.enableOnFirstRun();
   const bool isRepaired = isSet(soundReplacedKey) && !isReplacementWhole() && repairReplacement();
@@ -64,7 +70,7 @@ void AppDelegate::startApp() {
     services_.controlReload.reloadAllControls();
   }
   primeAfterSystemUpdate();
-  tileSignal_.observe([this] { openLater(requestDelay, Anchor::controlCenter); });
+  tileSignal_.observe([this] { tilePressed(); });
   handleArguments();
 }
 
@@ -75,6 +81,45 @@ void AppDelegate::makeStatusItem() {
   hooks.putSoundBack = [this] { services_.layout.putSoundBack(true); };
   statusItem_ = std::make_unique<StatusItemController>(*model_, services_.menuBar,
                                                        services_.makeContent, std::move(hooks));
+}
+
+void AppDelegate::makeSkin() {
+  const MenuBarServices& desktop = services_.menuBar;
+  const SkinServices skin{desktop.mainQueue,       services_.queues,  desktop.clock,
+                          desktop.displayLinks,    desktop.screens,   desktop.windows,
+                          desktop.inputEvents,     desktop.workspace, services_.accessibility,
+                          services_.controlReload, desktop.defaults,  services_.files,
+                          services_.resources,     desktop.look,      services_.locator};
+  skin_ = std::make_unique<ControlCenterSkin>(skin, model_->outputs(), services_.makeModuleView);
+}
+
+void AppDelegate::makeDetail() {
+  detail_ = std::make_unique<ControlCenterDetail>(
+      *model_, skin_->state,
+      DetailServices{services_.menuBar, services_.locator, services_.makeContent,
+                     services_.makeModuleView, [this] { return skin_->lastHandledPress(); }});
+}
+
+/// One of the two is to be seen in the module's place.
+void AppDelegate::wireSkinAndDetail() {
+  skin_->onOpenDetail = [this](const Rect& module) { detail_->present(module); };
+  skin_->onPrepareDetail = [this](const Rect& module) {
+    detail_->tearDown();
+    detail_->build(module);
+    detail_->prepared = true;
+  };
+  detail_->onSetUp = [this] { statusItem_->setUpFromMenu(); };
+  detail_->willPresent = [this] {
+    skin_->isSuppressed = true;
+    skin_->hide();
+  };
+  detail_->onCollapseFinished = [this] {
+    skin_->isSuppressed = false;
+    skin_->showInstantly = true;
+    skin_->startTracking();
+    skin_->tick();
+  };
+  detail_->onClosed = [this] { skin_->isSuppressed = false; };
 }
 
 /// Whether the layout reads, and has the program's tiles and no Sound.
@@ -191,13 +236,25 @@ bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
 
 // The setting stays as it is: the next start puts the program's control back.
 void AppDelegate::applicationWillTerminate() {
-  if (!statusItem_ || !isSet(soundReplacedKey)) {
+  if (!skin_) {
+    return;
+  }
+  skin_->stop();
+  if (!isSet(soundReplacedKey)) {
     return;
   }
   try {
     services_.layout.putSoundBack(true);
   } catch (const std::exception&) {
     // The layout is as it was, and the program has to go.
+  }
+}
+
+/// The tile below the module says so too when the module is pressed.
+void AppDelegate::tilePressed() {
+  const double now = services_.menuBar.clock.mediaTime();
+  if (!skin_->isShowing() && !(now - skin_->lastHandledPress() < samePressTime)) {
+    openLater(requestDelay, Anchor::controlCenter);
   }
 }
 

@@ -10,6 +10,8 @@
 #include "controlcenter/tile_signal.h"
 #include "menubar/menu_bar_services.h"
 #include "menubar/status_item_controller.h"
+#include "skin/control_center_detail.h"
+#include "skin/control_center_skin.h"
 
 namespace plemora {
 
@@ -18,8 +20,11 @@ class ControlCenterLayout;
 class ControlCenterLocator;
 class ControlReload;
 class DarwinNotifications;
+class Files;
 class LaunchAtLogin;
 class Preferences;
+class Resources;
+class SerialQueueFactory;
 class SystemInfo;
 
 /// The world as the whole program needs it. All of it outlives the AppDelegate.
@@ -33,12 +38,18 @@ struct AppServices {
   ControlReload& controlReload;
   SystemInfo& system;
   LaunchAtLogin& launchAtLogin;
+  SerialQueueFactory& queues;
+  Files& files;
+  Resources& resources;
   std::vector<std::string> arguments;  ///< of the command line, without the program's name
 
   /// The mixer: a new one, or the one that the process has already. Called once.
   std::function<std::shared_ptr<MixerModel>()> makeModel;
-  /// See StatusItemController.
+  /// See StatusItemController. Called for the panel of the status item, and for that of the module.
   StatusItemController::MakeContent makeContent;
+  /// See ControlCenterSkin. Called for the overlay over the module, and for the panel that grows
+  /// out of it.
+  MakeModuleView makeModuleView;
   /// Writes a line to the standard output; the line end is not part of the text.
   std::function<void(const std::string&)> print;
   /// Ends the process with that status, without applicationWillTerminate. May return, in a world
@@ -69,10 +80,15 @@ class AppDelegate {
   /// Null until start-up has made them.
   MixerModel* model() { return model_.get(); }
   StatusItemController* statusItem() { return statusItem_.get(); }
+  ControlCenterSkin* skin() { return skin_.get(); }
+  ControlCenterDetail* detail() { return detail_.get(); }
 
  private:
   void startApp();
   void makeStatusItem();
+  void makeSkin();
+  void makeDetail();
+  void wireSkinAndDetail();
   bool isReplacementWhole() const;
   bool repairReplacement();
   bool refreshTilesAfterUpdate();
@@ -81,6 +97,7 @@ class AppDelegate {
   void handleArguments();
 
   void prime(ControlCenterPrimer::Absence absence, std::function<void()> then = {});
+  void tilePressed();
   void openLater(double delay, StatusItemController::Anchor from);
   void reloadControlsLater();
   bool isSet(const std::string& key) const;
@@ -92,6 +109,8 @@ class AppDelegate {
   TileSignal tileSignal_;
   std::shared_ptr<MixerModel> model_;
   std::unique_ptr<StatusItemController> statusItem_;
+  std::unique_ptr<ControlCenterSkin> skin_;
+  std::unique_ptr<ControlCenterDetail> detail_;
   bool hasRestartedControlCenter_ = false;  // a moment ago, in this start-up
   DelayedWork later_;                       // the first to go
 };

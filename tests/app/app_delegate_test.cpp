@@ -29,14 +29,16 @@ TEST(AppDelegateTest, TheFirstStartGoesStepByStep) {
   AppWorld world;
   world.launch();
   EXPECT_THAT(world.events.lines,
-              ElementsAre("0.00 main menu", "0.00 model", "0.00 status item", "0.00 updater",
-                          "0.00 login item", "0.00 reload", "0.00 tile signal"));
+              ElementsAre("0.00 main menu", "0.00 model", "0.00 status item", "0.00 skin",
+                          "0.00 updater", "0.00 login item", "0.00 reload", "0.00 tile signal"));
   EXPECT_NE(world.delegate->model(), nullptr);
   EXPECT_NE(world.delegate->statusItem(), nullptr);
+  EXPECT_NE(world.delegate->skin(), nullptr);
+  EXPECT_NE(world.delegate->detail(), nullptr);
   EXPECT_EQ(world.panelX(), std::nullopt);
   world.pass(20);
-  EXPECT_EQ(world.events.lines.size(), 7U);
-  EXPECT_EQ(world.main.pendingTimers(), 0);
+  EXPECT_EQ(world.events.lines.size(), 8U);
+  EXPECT_EQ(world.main.pendingTimers(), 1) << "the skin looks for Control Center";
 }
 
 TEST(AppDelegateTest, ALaterStartKeepsTheReplacementAndDoesTheRestInOrder) {

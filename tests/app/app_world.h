@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
@@ -12,6 +13,7 @@
 #include "adapters/stage/fresh_layout.h"
 #include "adapters/stage/memory_files.h"
 #include "adapters/stage/memory_preferences.h"
+#include "adapters/stage/memory_resources.h"
 #include "adapters/stage/scripted_accessibility.h"
 #include "adapters/stage/scripted_appearance.h"
 #include "adapters/stage/scripted_application.h"
@@ -102,6 +104,16 @@ struct AppWorld : AudioWorld {
       ScriptedControlReload::reloadAllControls();
     }
   };
+  struct Accessibility : ScriptedAccessibility {
+    EventLog& log;
+    explicit Accessibility(EventLog& events) : log(events) {}
+    std::unique_ptr<AccessibilityObserver> observe(std::int32_t pid,
+                                                   const std::vector<std::string>& notifications,
+                                                   std::function<void()> handler) override {
+      log.note("skin");
+      return ScriptedAccessibility::observe(pid, notifications, std::move(handler));
+    }
+  };
   struct Notifications : ScriptedNotifications {
     EventLog& log;
     explicit Notifications(EventLog& events) : log(events) {}
@@ -131,11 +143,11 @@ struct AppWorld : AudioWorld {
   FaultyPreferences preferences{stored};
   MemoryFiles files;
   ScriptedWindowList windowList;
-  ScriptedAccessibility accessibility;
+  Accessibility accessibility{events};
+  MemoryResources resources;
   ObedientControlCenter center{main, workspace, accessibility, windowList};
   ControlCenterLayout layout{preferences, files, clock, workspace};
   ControlCenterLocator locator{screens, windowList, accessibility, preferences, workspace};
-  std::shared_ptr<ScriptedHostedView> content = std::make_shared<ScriptedHostedView>();
   std::optional<AppDelegate> delegate;
 
   AppWorld() {
@@ -174,13 +186,17 @@ struct AppWorld : AudioWorld {
         .controlReload = reload,
         .system = system,
         .launchAtLogin = launchAtLogin,
+        .queues = queues,
+        .files = files,
+        .resources = resources,
         .arguments = arguments,
         .makeModel =
             [this] {
               events.note("model");
               return std::make_shared<MixerModel>(services());
             },
-        .makeContent = [this](PanelView&) { return content; },
+        .makeContent = [](PanelView&) { return std::make_shared<ScriptedHostedView>(); },
+        .makeModuleView = [](SkinState&) { return std::make_shared<ScriptedHostedView>(); },
         .print = [this](const std::string& line) { events.note("print " + line); },
         .exit = [this](int status) { events.note("exit " + std::to_string(status)); },
     });
@@ -216,6 +232,14 @@ struct AppWorld : AudioWorld {
   std::size_t tiles() { return ControlCenterLayout::Layout::read(stored).mixerElements().size(); }
   bool hasSound() { return ControlCenterLayout::Layout::read(stored).soundElement() != nullptr; }
 
+  /// Null: there is none.
+  StageWindow* window(const std::string& identifier) {
+    const auto found = std::ranges::find_if(windows.windows(), [&](const StageWindow* each) {
+      return each->options.identifier == identifier;
+    });
+    return found != windows.windows().end() ? *found : nullptr;
+  }
+
   /// Left edge of the panel below the status item, and below Control Center's icon.
   static constexpr double belowItem = 1058;
   static constexpr double belowCenter = 1089;
@@ -225,7 +249,7 @@ struct AppWorld : AudioWorld {
     if (!delegate->statusItem() || !delegate->statusItem()->isPanelVisible()) {
       return std::nullopt;
     }
-    return windows.windows().at(0)->frame().x;
+    return window("mixer-panel")->frame().x;
   }
 };
 

@@ -49,15 +49,6 @@ TEST(DetailClosingTest, AClickOnTheIconCollapsesThePanelAndOneElsewhereFadesIt) 
   }
 }
 
-TEST(DetailClosingTest, TheIconIsAskedForWhenTheClickComes) {
-  DetailWorld world;
-  world.presentOpen();
-  world.accessibility.setTrusted(false);
-  world.windowList.windows.clear();
-  world.clickElsewhere({1243, 888});
-  EXPECT_EQ(world.detail->phase(), Phase::fading);
-}
-
 TEST(DetailClosingTest, ClicksInTheListOfReceiversAreNotElsewhere) {
   DetailWorld world;
   world.presentOpen();

@@ -2,40 +2,12 @@
 
 #include <gmock/gmock.h>
 
-#include <cmath>
-#include <optional>
 #include <vector>
 
 #include "skin/detail_placement.h"
 
 namespace plemora {
 namespace {
-
-TEST(DetailMotionTest, EachPhaseHasItsOwnPace) {
-  struct Case {
-    double (*motion)(double);
-    double elapsed;
-    double expected;
-  };
-  for (const Case& each : std::vector<Case>{
-           {DetailMotion::expanding, 0, 0},
-           {DetailMotion::expanding, 0.0449, 0},
-           {DetailMotion::expanding, 0.045, 0},
-           {DetailMotion::expanding, 0.045 + 0.048 * std::log(2), 0.5},
-           {DetailMotion::expanding, 0.045 + 0.048 * std::log(10), 0.9},
-           {DetailMotion::expanding, 9, 1},
-           {DetailMotion::collapsing, 0, 0},
-           {DetailMotion::collapsing, 0.06 * std::log(2), 0.5},
-           {DetailMotion::collapsing, 0.06 * std::log(4), 0.75},
-           {DetailMotion::resizing, 0.05 * std::log(2), 0.5},
-           {DetailMotion::fadingAlpha, 0, 1},
-           {DetailMotion::fadingAlpha, 0.115, 0.5},
-           {DetailMotion::fadingAlpha, 0.23, 0},
-           {DetailMotion::fadingAlpha, 5, 0},
-       }) {
-    EXPECT_NEAR(each.motion(each.elapsed), each.expected, 1e-9) << each.elapsed;
-  }
-}
 
 TEST(DetailMotionTest, TheContentsFadeAtTheirOwnTimesEachWay) {
   struct Case {

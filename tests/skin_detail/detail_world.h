@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -82,12 +84,10 @@ struct DetailWorld : MenuBarWorld {
   }
 
   StageWindow* window(const std::string& identifier = "control-center-detail") {
-    for (StageWindow* each : windows.windows()) {
-      if (each->options.identifier == identifier) {
-        return each;
-      }
-    }
-    return nullptr;
+    const auto found = std::ranges::find_if(windows.windows(), [&](const StageWindow* each) {
+      return each->options.identifier == identifier;
+    });
+    return found != windows.windows().end() ? *found : nullptr;
   }
   StageWindow* highlight() { return window("icon-highlight"); }
   StageSurface& surface() { return window()->stageSurface(); }
@@ -99,25 +99,15 @@ struct DetailWorld : MenuBarWorld {
     return {around.x + inWindow.x, around.maxY() - inWindow.maxY(), inWindow.width,
             inWindow.height};
   }
+  const HostedContent& shown(const std::shared_ptr<HostedView>& view) {
+    return *std::ranges::find(surface().contents, view, &HostedContent::view);
+  }
   /// Where a view is on the screen, y up.
   Rect place(const std::shared_ptr<HostedView>& view) {
-    for (const HostedContent& each : surface().contents) {
-      if (each.view == view) {
-        const Rect around = glass();
-        return {around.x + each.frame.x, around.maxY() - each.frame.maxY(), each.frame.width,
-                each.frame.height};
-      }
-    }
-    return {};
+    const Rect& inGlass = shown(view).frame;
+    return {glass().x + inGlass.x, glass().maxY() - inGlass.maxY(), inGlass.width, inGlass.height};
   }
-  double alpha(const std::shared_ptr<HostedView>& view) {
-    for (const HostedContent& each : surface().contents) {
-      if (each.view == view) {
-        return each.alpha;
-      }
-    }
-    return -1;
-  }
+  double alpha(const std::shared_ptr<HostedView>& view) { return shown(view).alpha; }
 
   /// What is left of a panel that should be gone.
   std::string leftovers() {
@@ -131,11 +121,9 @@ struct DetailWorld : MenuBarWorld {
 };
 
 inline bool isNear(const Rect& one, const Rect& other, double tolerance = 1e-6) {
-  const auto near = [tolerance](double a, double b) {
-    return a - b < tolerance && b - a < tolerance;
-  };
-  return near(one.x, other.x) && near(one.y, other.y) && near(one.width, other.width) &&
-         near(one.height, other.height);
+  return std::abs(one.x - other.x) < tolerance && std::abs(one.y - other.y) < tolerance &&
+         std::abs(one.width - other.width) < tolerance &&
+         std::abs(one.height - other.height) < tolerance;
 }
 
 }  // namespace plemora

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "adapters/stage/memory_resources.h"
 #include "app/services/launch_at_login.h"
 #include "app/services/updater.h"
 #include "controlcenter/control_center_layout.h"
@@ -20,9 +21,13 @@ StageControlExtension controlExtension(StageWorld& world) {
           .kind = "com.quorvane.mixer.sound",
           .displayName = ProgramOnStage::name,
           .description = "Master volume, each app's volume and the output device.",
-          .perform = [&world] {
-            OpenMixerIntent::perform(world.desktop.workspace, world.notifications);
-          }};
+          .perform =
+              [&world] { OpenMixerIntent::perform(world.desktop.workspace, world.notifications); },
+          // While the program draws a module over its tiles, they stay empty below it.
+          .isBlank =
+              [&world] {
+                return world.desktop.program.isRunning() && world.desktop.accessibility.isTrusted();
+              }};
 }
 
 }  // namespace
@@ -46,6 +51,7 @@ struct ProgramOnStage::Run {
   LaunchDefaults defaults;
   std::unique_ptr<Preferences> stored;
   FaultyPreferences preferences{*stored};
+  MemoryResources resources;
   ControlCenterLook look;
   Updater updater;
   LaunchAtLogin launchAtLogin;
@@ -104,9 +110,15 @@ AppServices ProgramOnStage::services(Run& run, const std::vector<std::string>& a
           world_.controlReload,
           desktop.systemInfo,
           run.launchAtLogin,
+          desktop.queues,
+          world_.files,
+          face_.resources != nullptr ? *face_.resources : run.resources,
           arguments,
           makeModel,
           [this, &run](PanelView& view) { return face_.makeContent(view, run.look); },
+          [this, &run](SkinState& state) {
+            return face_.makeModuleView ? face_.makeModuleView(state, run.look) : nullptr;
+          },
           [this](const std::string& line) { printed_.push_back(line); },
           [this](int status) { later([this, status] { end(status); }); }};
 }

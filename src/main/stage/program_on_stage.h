@@ -16,6 +16,10 @@ namespace plemora {
 struct ProgramFace {
   Windows& windows;  ///< in which it opens its panels; outlives the program
   std::function<std::shared_ptr<HostedView>(PanelView&, const ControlCenterLook&)> makeContent;
+  /// Empty: modules are not drawn.
+  std::function<std::shared_ptr<HostedView>(SkinState&, const ControlCenterLook&)> makeModuleView{};
+  /// What comes with the program; outlives it. Null: nothing.
+  Resources* resources = nullptr;
   /// Makes the mixer of a run, which may exchange services for others; empty: the stage's are used.
   std::function<std::shared_ptr<MixerModel>(const MixerServices&)> makeModel{};
 };
