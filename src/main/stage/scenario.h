@@ -40,10 +40,11 @@ struct ScenarioPlayer {
 
 /// What Control Center's preferences hold when the curtain rises.
 enum class ScenarioLayout {
-  fresh,    ///< as a new system has them
-  noSound,  ///< the user has taken Sound out
-  unknown,  ///< in a form that nobody has seen yet
-  missing,  ///< nothing
+  fresh,     ///< as a new system has them
+  replaced,  ///< with the program's tiles in the place of Sound
+  noSound,   ///< the user has taken Sound out
+  unknown,   ///< in a form that nobody has seen yet
+  missing,   ///< nothing
 };
 
 enum class ScenarioConsent { granted, refused, undecided };

@@ -78,6 +78,7 @@ void readWorld(const ScenarioPart& part, ScenarioWorld& world) {
   part.read("build", world.build, [](const ScenarioPart& text) { return text.text(); });
   part.read("layout", world.layout, [](const ScenarioPart& text) {
     return text.oneOf<ScenarioLayout>({{"fresh", ScenarioLayout::fresh},
+                                       {"replaced", ScenarioLayout::replaced},
                                        {"no sound", ScenarioLayout::noSound},
                                        {"unknown", ScenarioLayout::unknown},
                                        {"missing", ScenarioLayout::missing}});

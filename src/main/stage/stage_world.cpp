@@ -1,10 +1,14 @@
 #include "main/stage/stage_world.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <string_view>
 #include <utility>
 
 #include "adapters/stage/fresh_layout.h"
+#include "adapters/stage/scripted_workspace.h"
+#include "adapters/stage/virtual_clock.h"
+#include "controlcenter/control_center_layout.h"
 #include "platform/audio_constants.h"
 
 namespace plemora {
@@ -64,6 +68,7 @@ void storeLayout(ScenarioLayout layout, const std::shared_ptr<PreferenceStore>& 
   std::optional<PreferenceValue> controls = PreferenceData{fresh.controls};
   switch (layout) {
     case ScenarioLayout::fresh:
+    case ScenarioLayout::replaced:
       break;
     case ScenarioLayout::noSound: {
       std::string why;
@@ -84,6 +89,23 @@ void storeLayout(ScenarioLayout layout, const std::shared_ptr<PreferenceStore>& 
   writer.setValue(controlsKey, controls, controlsDomain, PreferenceHost::any);
   writer.synchronize(boxesDomain, PreferenceHost::current);
   writer.synchronize(controlsDomain, PreferenceHost::any);
+  if (layout == ScenarioLayout::replaced) {
+    // As the program has left it, but without the file in which it kept what was there before.
+    MemoryFiles files;
+    VirtualClock clock;
+    ScriptedWorkspace workspace;
+    ControlCenterLayout(writer, files, clock, workspace).replaceSound();
+  }
+}
+
+/// The first numbers in a version as people read it, such as "Version 26.4 (Build 25E246)".
+SystemVersion versionIn(const std::string& text) {
+  SystemVersion version;
+  const std::size_t start = text.find_first_of("0123456789");
+  if (start != std::string::npos) {
+    std::sscanf(text.c_str() + start, "%d.%d.%d", &version.major, &version.minor, &version.patch);
+  }
+  return version;
 }
 
 std::shared_ptr<PreferenceStore> makeStore(ScenarioLayout layout) {
@@ -214,6 +236,7 @@ void StageWorld::apply(const ScenarioWorld& world) {
   }
   if (world.systemVersion) {
     desktop.systemInfo.versionString = *world.systemVersion;
+    desktop.systemInfo.systemVersion = versionIn(*world.systemVersion);
   }
   if (world.build) {
     desktop.systemInfo.build = *world.build;
