@@ -1,6 +1,5 @@
 #include "skin/control_center_detail.h"
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -10,6 +9,7 @@
 #include "platform/workspace.h"
 #include "skin/detail_motion.h"
 #include "skin/detail_placement.h"
+#include "skin/skin_overlay.h"
 
 namespace plemora {
 
@@ -26,7 +26,7 @@ constexpr double iconMargin = 2;       // points around the icon that still coun
 /// Above Control Center's own panel.
 int levelOver(const ControlCenterLocator& locator) {
   const auto panel = locator.panelWindow();
-  return panel ? std::max(panel->layer + 1, popUpMenuWindowLevel) : popUpMenuWindowLevel;
+  return panel ? SkinOverlay::levelAbove(panel->layer) : popUpMenuWindowLevel;
 }
 
 void call(const std::function<void()>& callback) {
@@ -69,9 +69,7 @@ bool ControlCenterDetail::makeViews() {
     return false;
   }
   heightReader_.emplace(detailHost_, [this](double height) { contentHeightChanged(height); });
-  if (services_.makeModuleView) {
-    moduleHost_ = services_.makeModuleView(skinState_);
-  }
+  moduleHost_ = services_.makeModuleView(skinState_);
   return true;
 }
 
@@ -112,9 +110,7 @@ void ControlCenterDetail::present(const Rect& moduleRect) {
   }
   panelView_.setVisible(true);
   detailHost_->setVisible(true);
-  if (moduleHost_) {
-    moduleHost_->setVisible(true);
-  }
+  moduleHost_->setVisible(true);
   PanelWindow& window = panel_->window();
   window.setIgnoresMouseEvents(false);
   window.setAlpha(1);
@@ -171,9 +167,7 @@ void ControlCenterDetail::clear() {
   panel_.reset();
   panelView_.setVisible(false);
   detailHost_->setVisible(false);
-  if (moduleHost_) {
-    moduleHost_->setVisible(false);
-  }
+  moduleHost_->setVisible(false);
 }
 
 void ControlCenterDetail::contentHeightChanged(double height) {
@@ -217,9 +211,8 @@ const Screen* ControlCenterDetail::screen() const {
 void ControlCenterDetail::installMonitors() {
   monitors_.clear();
   InputEvents& events = services_.menuBar.inputEvents;
-  monitors_.push_back(
-      events.monitorGlobal(leftMouseDownMask | rightMouseDownMask,
-                           [this](const InputEvent& event) { clickedElsewhere(event); }));
+  monitors_.push_back(events.monitorGlobal(leftMouseDownMask | rightMouseDownMask,
+                                           [this](const InputEvent&) { clickedElsewhere(); }));
   monitors_.push_back(events.monitorLocal(keyDownMask, [this](const InputEvent& event) {
     if (event.keyCode != escapeKeyCode) {
       return false;
@@ -235,15 +228,16 @@ bool ControlCenterDetail::isHandledClick() const {
   const auto isRecent = [this](double time) { return now() - time < sameClickTime; };
   const auto picker = panelView_.lastPickerClosed();
   return panelView_.isPickerOpen() || (picker && isRecent(*picker)) ||
-         (services_.lastHandledPress && isRecent(services_.lastHandledPress()));
+         isRecent(services_.lastHandledPress());
 }
 
-void ControlCenterDetail::clickedElsewhere(const InputEvent& event) {
+void ControlCenterDetail::clickedElsewhere() {
   if (isHandledClick()) {
     return;
   }
   const auto icon = services_.locator.iconFrame();
-  if (icon && icon->inset(-iconMargin, -iconMargin).contains(event.location)) {
+  if (icon && icon->inset(-iconMargin, -iconMargin)
+                  .contains(services_.menuBar.inputEvents.pointerLocation())) {
     collapse();  // the click opens Control Center
   } else {
     dismiss();

@@ -28,7 +28,7 @@ struct DetailServices {
   /// Makes what draws the mixer's rows, once; the panel view outlives it. Null: it cannot be shown
   /// now, so the panel stays closed.
   std::function<std::shared_ptr<HostedView>(PanelView&)> makeContent;
-  /// Called once. Empty, or null: no module is shown.
+  /// Called once.
   MakeModuleView makeModuleView;
   /// Media time when a press was last taken for the module: that press is no click elsewhere.
   std::function<double()> lastHandledPress;
@@ -87,7 +87,7 @@ class ControlCenterDetail {
   void start(Phase phase);
   void startLink();
   void installMonitors();
-  void clickedElsewhere(const InputEvent& event);
+  void clickedElsewhere();
   bool isHandledClick() const;
   const Screen* screen() const;
   double now() const;

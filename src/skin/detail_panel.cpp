@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "menubar/layout_helpers.h"
 #include "menubar/panel_view.h"
@@ -92,12 +91,8 @@ void DetailPanel::update() {
                        radius_);
   rim_.update(container_.size(), radius_, true, 1);
   surface.setLayer(rim_.layer());
-  std::vector<HostedContent> contents;
-  if (moduleView_) {
-    contents.push_back({moduleView_, inContainer(module_), DetailMotion::moduleAlpha(progress_)});
-  }
-  contents.push_back({detailView_, inContainer(panel_), DetailMotion::detailAlpha(progress_)});
-  surface.setContents(std::move(contents));
+  surface.setContents({{moduleView_, inContainer(module_), DetailMotion::moduleAlpha(progress_)},
+                       {detailView_, inContainer(panel_), DetailMotion::detailAlpha(progress_)}});
 }
 
 /// Across, where it is on the screen.

@@ -20,8 +20,7 @@ class DetailPanel {
   static constexpr double moduleRadius = 23;  ///< of the corners
   static constexpr double panelRadius = 15;
 
-  /// At first unseen: without alpha, and taking no clicks. The module view may be null. Windows,
-  /// queue and look outlive it.
+  /// At first unseen: without alpha, and taking no clicks. Windows, queue and look outlive it.
   DetailPanel(Windows& windows, MainQueue& queue, const ControlCenterLook& look, int level,
               std::shared_ptr<HostedView> moduleView, std::shared_ptr<HostedView> detailView);
   ~DetailPanel();

@@ -14,6 +14,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::Not;
 
 using Lines = std::vector<std::string>;
@@ -219,10 +220,9 @@ TEST(AppDelegateTest, AnUpdateOfTheSystemPrimesTheControlsFourSecondsLater) {
     const std::string what = std::to_string(each.isSetUp) + std::to_string(each.isReplaced) +
                              each.primedFor.value_or("-") + std::to_string(each.isTrusted);
     world.pass(3.99);
-    EXPECT_EQ(world.events.lines.back(), "0.00 tile signal") << what;
+    EXPECT_THAT(world.events.lines, Not(Contains(EndsWith("press item")))) << what;
     world.pass(0.02);
-    EXPECT_EQ(world.events.lines.back(), each.primes ? "4.00 press item" : "0.00 tile signal")
-        << what;
+    EXPECT_EQ(std::ranges::count(world.events.lines, "4.00 press item"), each.primes) << what;
     EXPECT_EQ(world.defaults.string("controlsPrimedForSystem"), each.primedFor) << what;
     world.pass(20);
     EXPECT_EQ(world.defaults.string("controlsPrimedForSystem"),
@@ -262,7 +262,7 @@ TEST(AppDelegateTest, QuittingPutsSoundBackAndTheNextStartReplacesItAgain) {
     world.delegate->applicationWillTerminate();
     EXPECT_EQ(world.tiles(), 0U) << start;
     EXPECT_TRUE(world.hasSound()) << start;
-    EXPECT_THAT(world.events.lines.back(), testing::EndsWith("restart"));
+    EXPECT_THAT(world.events.lines.back(), EndsWith("restart"));
     EXPECT_EQ(world.defaults.boolean("soundReplaced"), true);
   }
 }

@@ -238,10 +238,8 @@ TEST(ControlCenterDetailTest, WithoutContentThereIsNoPanel) {
   EXPECT_THAT(world.calls, testing::Not(testing::Contains("will present")))
       << "the module must not be hidden for it";
   world.content = std::make_shared<ScriptedHostedView>();
-  world.moduleView = nullptr;
   world.presentOpen();
-  EXPECT_EQ(world.glass(), DetailWorld::open) << "the module's own view can be done without";
-  EXPECT_EQ(world.surface().contents.size(), 1U);
+  EXPECT_EQ(world.glass(), DetailWorld::open) << "another time there may be some";
 }
 
 }  // namespace

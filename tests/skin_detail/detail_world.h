@@ -80,6 +80,7 @@ struct DetailWorld : MenuBarWorld {
     }
   }
   void clickElsewhere(const Point& location, InputEventType type = InputEventType::leftMouseDown) {
+    input.pointer = location;
     input.sendElsewhere({type, 0, location});
   }
 

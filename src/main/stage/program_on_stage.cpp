@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "adapters/stage/memory_resources.h"
+#include "adapters/stage/scripted_hosted_view.h"
 #include "app/services/launch_at_login.h"
 #include "app/services/updater.h"
 #include "controlcenter/control_center_layout.h"
@@ -117,7 +118,8 @@ AppServices ProgramOnStage::services(Run& run, const std::vector<std::string>& a
           makeModel,
           [this, &run](PanelView& view) { return face_.makeContent(view, run.look); },
           [this, &run](SkinState& state) {
-            return face_.makeModuleView ? face_.makeModuleView(state, run.look) : nullptr;
+            return face_.makeModuleView ? face_.makeModuleView(state, run.look)
+                                        : std::make_shared<ScriptedHostedView>();
           },
           [this](const std::string& line) { printed_.push_back(line); },
           [this](int status) { later([this, status] { end(status); }); }};
