@@ -50,7 +50,8 @@ void ControlCenterSkin::followOutputs() {
   const auto showVolume = [this](const std::optional<float>& volume) {
     state.hasVolume.set(volume.has_value());
     if (volume) {
-      state.volume.set(std::clamp(*volume, 0.0F, 1.0F));
+      // Written so that what is no number counts as 0.
+      state.volume.set(*volume > 0 ? std::min(*volume, 1.0F) : 0.0F);
     }
   };
   const auto showDevice = [this] {

@@ -4,13 +4,6 @@
 
 namespace plemora {
 
-namespace {
-
-// How far along an edge a continuous corner reaches, in radii.
-constexpr double continuousReach = 1.53;
-
-}  // namespace
-
 SeamShapes::SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius)
     : module_(module), radius_(std::min(cornerRadius, module.height / 2)) {
   if (pills.size() < 2) {
@@ -47,7 +40,7 @@ std::vector<RoundedRect> SeamShapes::seam(double dilation) const {
 
 std::vector<RoundedRect> SeamShapes::caps(double dilation) const {
   auto path = seam(dilation);
-  const double height = continuousReach * radius_;
+  const double height = radius_;
   if (hasSeam_ && 2 * height < module_.height) {
     const double moved = clamped(dilation);
     const double start = left_.maxX() - moved;
