@@ -29,16 +29,14 @@ class PlainPanel : public HostedView, public StageWindowClient {
   static std::vector<StageControl> controls(StageDesktop& desktop) {
     std::vector<StageControl> found;
     for (StageWindow* window : desktop.windows.visible()) {
-      const auto* panel = dynamic_cast<PlainPanel*>(window->stageSurface().content().get());
-      if (panel == nullptr) {
-        continue;
-      }
-      for (const Part& part : panel->parts()) {
-        found.push_back(
-            {part.name,
-             {window->frame().minX() + part.frame.x, window->frame().maxY() - part.frame.maxY(),
-              part.frame.width, part.frame.height},
-             part.value});
+      const StageSurface& surface = window->stageSurface();
+      for (const HostedContent& content : surface.contents) {
+        if (const auto* panel = dynamic_cast<PlainPanel*>(content.view.get());
+            panel != nullptr && content.takesInput()) {
+          const Point origin = content.placeIn(surface.container.value_or(Rect{})).origin();
+          panel->appendTo(found,
+                          {window->frame().minX() + origin.x, window->frame().maxY() - origin.y});
+        }
       }
     }
     return found;
@@ -81,6 +79,16 @@ class PlainPanel : public HostedView, public StageWindowClient {
     std::function<void()> press{};
     std::function<void(float)> slide{};
   };
+
+  /// The top left corner is global, y up.
+  void appendTo(std::vector<StageControl>& found, const Point& corner) const {
+    for (const Part& part : parts()) {
+      found.push_back({part.name,
+                       {corner.x + part.frame.x, corner.y - part.frame.maxY(), part.frame.width,
+                        part.frame.height},
+                       part.value});
+    }
+  }
 
   std::vector<Part> parts() const {
     std::vector<Part> result;

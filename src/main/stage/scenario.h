@@ -94,6 +94,8 @@ struct ScenarioTarget {
     controlCenterItem,
     editButton,     ///< of Control Center
     desktop,        ///< a place where there is nothing
+    module,         ///< of the program over its tiles, beside the slider
+    moduleSlider,   ///< the middle of its slider
     tile,           ///< in Control Center, by its name and index
     removeBadge,    ///< in edit mode, of a tile
     galleryEntry,   ///< in edit mode, by its name

@@ -144,6 +144,32 @@ Problem checkPanel(const PanelCondition& expected, const ScenarioScene& scene) {
   return compareContent("the panel", expected.shows, expected.lacks, titles);
 }
 
+std::string detailState(const ScenarioScene& scene) {
+  using Phase = ControlCenterDetail::Phase;
+  AppDelegate* delegate = scene.program.delegate();
+  ControlCenterDetail* detail = delegate == nullptr ? nullptr : delegate->detail();
+  const auto phase = detail == nullptr || detail->prepared ? std::nullopt : detail->phase();
+  if (!phase) {
+    return "closed";
+  }
+  switch (*phase) {
+    case Phase::expanding:
+      return "growing";
+    case Phase::collapsing:
+      return "collapsing";
+    case Phase::fading:
+      return "fading";
+    default:
+      return "open";
+  }
+}
+
+bool hasModule(const ScenarioScene& scene) {
+  AppDelegate* delegate = scene.program.delegate();
+  ControlCenterSkin* skin = delegate == nullptr ? nullptr : delegate->skin();
+  return skin != nullptr && skin->isShowing();
+}
+
 std::string describe(const StageTile& tile) {
   return nameOf(tile) + " at " + std::to_string(tile.column) + ", " + std::to_string(tile.row) +
          " (" + std::string(tile.size.name) + ")";
@@ -341,6 +367,11 @@ std::optional<std::string> unmet(const ScenarioConditions& conditions, const Sce
     if (auto problem = checkPanel(*conditions.panel, scene)) {
       return problem;
     }
+  }
+  if (auto problem = firstOf(
+          {compareFlag("that the module is shown", conditions.hasModule, hasModule(scene)),
+           compareText("the state of the detail panel", conditions.detail, detailState(scene))})) {
+    return problem;
   }
   if (conditions.controlCenter) {
     if (auto problem = checkControlCenter(*conditions.controlCenter, desktop)) {

@@ -3,10 +3,14 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
 namespace plemora {
+
+inline constexpr std::string_view scenarioDetailStates[] = {"closed", "growing", "open",
+                                                            "collapsing", "fading"};
 
 /// The mixer panel. What is none is not looked at.
 struct PanelCondition {
@@ -52,6 +56,10 @@ struct DefaultDeviceCondition {
 struct ScenarioConditions {
   std::map<std::string, bool> isRunning;  ///< by the name of the program
   std::optional<PanelCondition> panel;
+  /// The program's module over its tiles is to be seen.
+  std::optional<bool> hasModule;
+  /// The panel that grows out of it: one of scenarioDetailStates.
+  std::optional<std::string> detail;
   std::optional<ControlCenterCondition> controlCenter;
 
   /// Settings of the program; monostate: absent.

@@ -141,15 +141,24 @@ void readMembers(const ScenarioPart& part, std::string_view name,
 }  // namespace
 
 ScenarioConditions readConditions(const ScenarioPart& part) {
-  part.allow({"running", "panel", "control center", "defaults", "preferences", "backup", "devices",
-              "default device", "levels", "menu", "settings pane", "dock", "printed", "reloads",
-              "urls"});
+  part.allow({"running", "panel", "module", "detail", "control center", "defaults", "preferences",
+              "backup", "devices", "default device", "levels", "menu", "settings pane", "dock",
+              "printed", "reloads", "urls"});
   if (part.json().empty()) {
     part.fail("expects nothing");
   }
   ScenarioConditions conditions;
   readMembers(part, "running", conditions.isRunning, readFlag);
   part.read("panel", conditions.panel, readPanel);
+  part.read("module", conditions.hasModule, [](const ScenarioPart& text) {
+    return text.oneOf<bool>({{"shown", true}, {"hidden", false}});
+  });
+  part.read("detail", conditions.detail, [](const ScenarioPart& text) {
+    const auto state = [](std::size_t i) {
+      return std::pair(scenarioDetailStates[i], std::string(scenarioDetailStates[i]));
+    };
+    return text.oneOf<std::string>({state(0), state(1), state(2), state(3), state(4)});
+  });
   part.read("control center", conditions.controlCenter, readControlCenter);
   readMembers(part, "defaults", conditions.defaults, readSetting);
   if (const auto preferences = part.find("preferences")) {

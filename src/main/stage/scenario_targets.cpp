@@ -3,6 +3,7 @@
 
 #include "main/stage/scenario_json.h"
 #include "main/stage/scenario_scene.h"
+#include "skin/module_geometry.h"
 
 // Where things are that a scenario aims at.
 
@@ -125,6 +126,19 @@ Rect galleryFrame(const std::string& name, StageDesktop& desktop) {
   return StageControlPanel::galleryEntry(desktop.space.main(), index);
 }
 
+/// In the module that the program shows; y down from its top.
+Point inModule(const ScenarioScene& scene, Point (*place)(const ModuleGeometry&)) {
+  AppDelegate* delegate = scene.program.delegate();
+  ControlCenterSkin* skin = delegate == nullptr ? nullptr : delegate->skin();
+  if (skin == nullptr || !skin->isShowing()) {
+    throw ScenarioError("the program shows no module");
+  }
+  const Rect& frame = skin->moduleFrame();
+  const Point inside = place(
+      ModuleGeometry::of(frame.width, skin->state.isWide.get(), skin->state.isHeadphones.get()));
+  return {frame.minX() + inside.x, frame.maxY() - inside.y};
+}
+
 // Near the left edge, where nothing ever is, unless somebody moves it there.
 Point emptyPlace(StageDesktop& desktop) {
   const Rect screen = desktop.space.main();
@@ -168,6 +182,12 @@ Point locate(const ScenarioTarget& target, const ScenarioScene& scene) {
       return middleOf(desktop.controlCenter.panel().editButton);
     case Kind::desktop:
       return emptyPlace(desktop);
+    case Kind::module:
+      return inModule(scene, [](const ModuleGeometry& module) {
+        return Point{module.track.midX(), module.hitArea.minY() / 2};
+      });
+    case Kind::moduleSlider:
+      return inModule(scene, [](const ModuleGeometry& module) { return middleOf(module.track); });
     case Kind::tile:
     case Kind::removeBadge:
       return middleOf(tileFrame(target, desktop.controlCenter, target.kind == Kind::removeBadge));

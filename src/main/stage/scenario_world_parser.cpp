@@ -128,6 +128,8 @@ ScenarioTarget readTarget(const ScenarioPart& part) {
     target.kind = part.oneOf<Kind>({{"status item", Kind::statusItem},
                                     {"Control Center item", Kind::controlCenterItem},
                                     {"edit button", Kind::editButton},
+                                    {"module", Kind::module},
+                                    {"slider of the module", Kind::moduleSlider},
                                     {"close button of System Settings", Kind::closeSettings},
                                     {"title bar of System Settings", Kind::settingsBar},
                                     {"desktop", Kind::desktop}});
