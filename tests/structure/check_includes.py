@@ -26,7 +26,7 @@ ROOMS = {
     "skin": ["menubar"],
     "app": ["menubar", "skin"],
     "glass": ["skin/look"],
-    "views": ["menubar", "glass"],
+    "views": ["skin", "glass"],
     "adapters/files": ["platform"],
     "adapters/stage": ["audio"],
     "adapters/stage/desktop": ["adapters/stage"],
