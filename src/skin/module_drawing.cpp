@@ -9,7 +9,7 @@ namespace plemora {
 
 namespace {
 
-constexpr double chevronX = 60;  // clear of the title
+constexpr double chevronX = 62;  // clear of the title
 constexpr double chevronSize = 12;
 constexpr double symbolSize = 15;
 constexpr double outputGap = 13;  // from the middle of the symbol to the track

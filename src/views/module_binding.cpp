@@ -1,15 +1,12 @@
 #include "views/module_binding.h"
 
-#include <QGuiApplication>
-#include <QScreen>
+#include <cmath>
 
 #include "views/qt_values.h"
 
 namespace plemora {
 
 namespace {
-
-constexpr double pointsPerInch = 72;
 
 QRectF rectF(const Rect& rect) {
   return {rect.x, rect.y, rect.width, rect.height};
@@ -71,10 +68,8 @@ QRectF ModuleBinding::titleFrame() const {
   return rectF(ModuleDrawing::titleFrame);
 }
 
-double ModuleBinding::titleSize() const {
-  const QScreen* screen = QGuiApplication::primaryScreen();
-  return drawing_.titleSize * pointsPerInch /
-         (screen != nullptr ? screen->logicalDotsPerInchY() : pointsPerInch);
+int ModuleBinding::titlePixels() const {
+  return static_cast<int>(std::ceil(drawing_.titleSize));
 }
 
 QColor ModuleBinding::foreground() const {

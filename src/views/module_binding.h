@@ -42,7 +42,8 @@ class ModuleBinding : public QObject {
   Q_PROPERTY(double width READ width WRITE setWidth NOTIFY changed)
   Q_PROPERTY(QString title READ title CONSTANT)
   Q_PROPERTY(QRectF titleFrame READ titleFrame CONSTANT)
-  Q_PROPERTY(double titleSize READ titleSize CONSTANT)
+  Q_PROPERTY(int titlePixels READ titlePixels CONSTANT)
+  Q_PROPERTY(double titleScale READ titleScale CONSTANT)
   Q_PROPERTY(QColor foreground READ foreground NOTIFY changed)
   Q_PROPERTY(plemora::ModuleSymbol chevron READ chevron NOTIFY changed)
   Q_PROPERTY(plemora::ModuleSymbol output READ output NOTIFY changed)
@@ -68,8 +69,9 @@ class ModuleBinding : public QObject {
 
   QString title() const { return ModuleDrawing::title; }
   QRectF titleFrame() const;
-  /// As a font's size in the toolkit's points, which need not be ours.
-  double titleSize() const;
+  /// The size of its font: the toolkit has whole ones alone, so it is scaled down from that.
+  int titlePixels() const;
+  double titleScale() const { return drawing_.titleSize / titlePixels(); }
   QColor foreground() const;
   ModuleSymbol chevron() const;
   ModuleSymbol output() const;

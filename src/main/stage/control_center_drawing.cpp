@@ -215,16 +215,16 @@ class TileDrawing {
     const double titleSize = release_ == GlassRelease::macOS26_1 ? 13 : 12.4;
     const Rect title{rect.x + 16, rect.y + 11, 60, 15};
     drawing_.push_back(TextMark{title, face.title, ink, titleSize, 500, TextPlace::left});
-    addSymbol({rect.x + 60, title.midY()}, 10, "chevron.right", faded);
+    addSymbol({rect.x + 62, title.midY()}, 16, "chevron.right", faded);
     const Rect slider = space_.flipped(center_.slider(tile));
     addTrack(slider, center_.sliderValue(tile));
-    addSymbol({slider.x - 13, slider.midY()}, 15,
+    addSymbol({slider.x - 13, slider.midY()}, 20,
               isHeadphones ? "headphones"
               : isSound    ? "speaker.fill"
                            : "sun.min.fill",
               ink);
     if (isWide && !isHeadphones) {
-      addSymbol({slider.maxX() + 17, slider.midY()}, 15,
+      addSymbol({slider.maxX() + 17, slider.midY()}, 20,
                 isSound ? "speaker.wave.3.fill" : "sun.max.fill", ink);
     }
     if (isWide && isSound) {

@@ -181,7 +181,10 @@ void DrawingPainter::paintRim(const GlassMark& mark, double width, double inset,
 
 void DrawingPainter::paintMark(const TextMark& mark) {
   QFont font("Inter");
-  font.setPixelSize(static_cast<int>(std::lround(mark.size)));
+  // Fonts have whole sizes alone; what lies between is scaled down.
+  const double whole = std::ceil(mark.size);
+  const double scale = mark.size / whole;
+  font.setPixelSize(static_cast<int>(whole));
   font.setWeight(static_cast<QFont::Weight>(mark.weight));
   font.setHintingPreference(QFont::PreferNoHinting);
   painter_.setFont(font);
@@ -189,9 +192,14 @@ void DrawingPainter::paintMark(const TextMark& mark) {
   const Qt::Alignment across = mark.place == TextPlace::left     ? Qt::AlignLeft
                                : mark.place == TextPlace::center ? Qt::AlignHCenter
                                                                  : Qt::AlignRight;
-  const QString shown = QFontMetricsF(font).elidedText(QString::fromStdString(mark.text),
-                                                       Qt::ElideRight, mark.rect.width + 0.5);
-  painter_.drawText(rectF(mark.rect), static_cast<int>(across | Qt::AlignVCenter), shown);
+  const QString shown = QFontMetricsF(font).elidedText(
+      QString::fromStdString(mark.text), Qt::ElideRight, mark.rect.width / scale + 0.5);
+  painter_.save();
+  painter_.translate(mark.rect.x, mark.rect.y);
+  painter_.scale(scale, scale);
+  painter_.drawText(QRectF(0, 0, mark.rect.width / scale, mark.rect.height / scale),
+                    static_cast<int>(across | Qt::AlignVCenter), shown);
+  painter_.restore();
 }
 
 void DrawingPainter::paintMark(const SymbolMark& mark) {

@@ -17,12 +17,14 @@ Item {
     Text {
         x: root.module.titleFrame.x
         y: root.module.titleFrame.y
-        width: root.module.titleFrame.width
-        height: root.module.titleFrame.height
+        width: root.module.titleFrame.width / scale
+        height: root.module.titleFrame.height / scale
+        scale: root.module.titleScale
+        transformOrigin: Item.TopLeft
         text: root.module.title
         color: root.module.foreground
         font.family: Metrics.family
-        font.pointSize: root.module.titleSize
+        font.pixelSize: root.module.titlePixels
         font.weight: Font.Medium
         font.hintingPreference: Font.PreferNoHinting
         horizontalAlignment: Text.AlignLeft

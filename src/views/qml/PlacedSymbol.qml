@@ -7,7 +7,8 @@ Symbol {
 
     x: symbol.center.x - width / 2
     y: symbol.center.y - height / 2
-    name: symbol.name
+    // Not before there is a window, whose scale the picture is made for.
+    name: Window.window === null ? "" : symbol.name
     pointSize: symbol.size
     color: symbol.color
     visible: name !== ""
