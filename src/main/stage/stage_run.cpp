@@ -4,14 +4,17 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QTimer>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "main/process/ending_signals.h"
+#include "main/stage/picture_resources.h"
 #include "main/stage/program_on_stage.h"
 #include "main/stage/scenario.h"
 #include "main/stage/scenario_runner.h"
@@ -20,6 +23,7 @@
 #include "main/stage/stage_show.h"
 #include "main/stage/stage_sound.h"
 #include "main/stage/stage_world.h"
+#include "skin/bubble_cancel.h"
 
 namespace plemora {
 
@@ -69,6 +73,7 @@ class Performance {
       show_.setWallpaper(*options.wallpaper);
       hasFixedWallpaper_ = true;
     }
+    copyBubbleSets();
     runner_ = std::make_unique<ScenarioRunner>(
         scenario_, world_, program_,
         ScenarioHooks{
@@ -89,10 +94,20 @@ class Performance {
     ProgramFace face{show_.windows(), [this](PanelView& view, const ControlCenterLook& look) {
                        return show_.makeContent(view, look);
                      }};
+    face.resources = &resources_;
     if (sound_) {
       face.makeModel = [this](const MixerServices& stage) { return sound_->makeModel(stage); };
     }
     return face;
+  }
+
+  /// The folder is one of this machine, which the stage does not see.
+  void copyBubbleSets() {
+    const auto& arguments = scenario_.stage.arguments;
+    const auto key = std::ranges::find(arguments, std::string("-") + BubbleCancel::folderKey);
+    if (arguments.end() - key > 1) {
+      PictureResources::copyFolder(*std::next(key), world_.files);
+    }
   }
 
   bool setWallpaper(const std::string& name) {
@@ -129,6 +144,7 @@ class Performance {
   Scenario scenario_;
   StageWorld world_;
   StageShow show_;
+  PictureResources resources_;
   std::unique_ptr<StageSound> sound_;
   ProgramOnStage program_;
   std::unique_ptr<ScenarioRunner> runner_;
