@@ -91,14 +91,14 @@ void DetailPanel::update() {
                        radius_);
   rim_.update(container_.size(), radius_, true, 1);
   surface.setLayer(rim_.layer());
-  surface.setContents({{moduleView_, inContainer(module_), DetailMotion::moduleAlpha(progress_)},
+  surface.setContents({{moduleView_, inContainer(module_).offset(module_.x - container_.x, 0),
+                        DetailMotion::moduleAlpha(progress_)},
                        {detailView_, inContainer(panel_), DetailMotion::detailAlpha(progress_)}});
 }
 
-/// Across, where it is on the screen.
+/// Of its own size, at the top left of the container.
 Rect DetailPanel::inContainer(const Rect& frame) const {
-  return PinTop::content({frame.width, container_.height}, frame.height, true)
-      .offset(frame.x - container_.x, 0);
+  return PinTop::content({frame.width, container_.height}, frame.height, true);
 }
 
 }  // namespace plemora

@@ -12,9 +12,8 @@
 namespace plemora {
 
 /// The window of the detail panel: a container of glass that moves about in a window which stands
-/// still, and in it the module and the mixer's rows, which fade into each other. Both lie where
-/// they belong on the screen, at the top of the container; it uncovers them. Frames are global, y
-/// up. Main thread.
+/// still, and in it the module and the mixer's rows, which fade into each other at its top, each of
+/// its own size. Frames are global, y up. Main thread.
 class DetailPanel {
  public:
   static constexpr double moduleRadius = 23;  ///< of the corners
