@@ -1,7 +1,8 @@
 #pragma once
 
+#include <gmock/gmock.h>
+
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -25,6 +26,7 @@ struct DetailWorld : MenuBarWorld {
   static constexpr Rect module{1066, 640, 148, 64};
   static constexpr Rect open{906, 404, 308, 300};
   static constexpr Rect icon{1228, 876, 30, 24};
+  static constexpr Point middleOfIcon{1243, 888};
   static constexpr double frame = 1.0 / 60;
 
   MemoryPreferences preferences;
@@ -79,6 +81,10 @@ struct DetailWorld : MenuBarWorld {
           {2, ObedientControlCenter::pid, "Control Center", layer, center.panel, 1.0});
     }
   }
+  void hideIcon() {
+    accessibility.setTrusted(false);
+    windowList.windows.clear();
+  }
   void clickElsewhere(const Point& location, InputEventType type = InputEventType::leftMouseDown) {
     input.pointer = location;
     input.sendElsewhere({type, 0, location});
@@ -108,7 +114,6 @@ struct DetailWorld : MenuBarWorld {
     const Rect& inGlass = shown(view).frame;
     return {glass().x + inGlass.x, glass().maxY() - inGlass.maxY(), inGlass.width, inGlass.height};
   }
-  double alpha(const std::shared_ptr<HostedView>& view) { return shown(view).alpha; }
 
   /// What is left of a panel that should be gone.
   std::string leftovers() {
@@ -121,10 +126,32 @@ struct DetailWorld : MenuBarWorld {
   }
 };
 
-inline bool isNear(const Rect& one, const Rect& other, double tolerance = 1e-6) {
-  return std::abs(one.x - other.x) < tolerance && std::abs(one.y - other.y) < tolerance &&
-         std::abs(one.width - other.width) < tolerance &&
-         std::abs(one.height - other.height) < tolerance;
+/// What is to be seen so many frames after the start of a movement.
+struct DetailFrame {
+  int number;
+  double progress;
+  double module;  ///< alphas
+  double detail;
+};
+
+/// Lets the frames pass and looks at each: the glass is on its way from the one to the other.
+inline void follow(DetailWorld& world, const Rect& from, const Rect& to, double fromRadius,
+                   double toRadius, const std::vector<DetailFrame>& frames) {
+  const auto at = [](double one, double other, double p) { return one + (other - one) * p; };
+  int number = 0;
+  for (const DetailFrame& each : frames) {
+    SCOPED_TRACE(each.number);
+    world.frames(each.number - number);
+    number = each.number;
+    const Rect glass = world.glass();
+    EXPECT_NEAR(glass.x, at(from.x, to.x, each.progress), 1e-3);
+    EXPECT_NEAR(glass.y, at(from.y, to.y, each.progress), 1e-3);
+    EXPECT_NEAR(glass.width, at(from.width, to.width, each.progress), 1e-3);
+    EXPECT_NEAR(glass.height, at(from.height, to.height, each.progress), 1e-3);
+    EXPECT_NEAR(world.surface().containerRadius, at(fromRadius, toRadius, each.progress), 1e-3);
+    EXPECT_NEAR(world.shown(world.moduleView).alpha, each.module, 1e-4);
+    EXPECT_NEAR(world.shown(world.content).alpha, each.detail, 1e-4);
+  }
 }
 
 }  // namespace plemora
