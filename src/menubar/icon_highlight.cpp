@@ -2,13 +2,14 @@
 
 #include "platform/layer.h"
 #include "platform/window_list.h"
+#include "skin/look/glass_fill.h"
 
 namespace plemora {
 
 namespace {
 
-constexpr double fillAlpha = 0.22;
-constexpr double verticalInset = 1;  // points, of the capsule in the menu bar
+constexpr double fillAlpha = 0.16;
+constexpr Size inset{1, 1};  // points, of the capsule in the icon's frame
 
 PanelWindowOptions highlightOptions() {
   PanelWindowOptions options;
@@ -22,11 +23,12 @@ PanelWindowOptions highlightOptions() {
   return options;
 }
 
-std::shared_ptr<Layer> capsule(const Size& size) {
+std::shared_ptr<Layer> capsule(const Size& size, bool isDark) {
   const auto layer = std::make_shared<Layer>();
   layer->name = "capsule";
-  layer->frame = Rect{0, 0, size.width, size.height}.inset(0, verticalInset);
-  layer->backgroundColor = Color{1, 1, 1, fillAlpha};
+  layer->frame = Rect{0, 0, size.width, size.height}.inset(inset.width, inset.height);
+  layer->backgroundColor = GlassFill::resolve(isDark);
+  layer->opacity = fillAlpha;
   layer->cornerRadius = layer->frame.height / 2;
   return layer;
 }
@@ -41,7 +43,7 @@ void IconHighlight::show(const Rect& icon) {
     window_->surface().clearBackground();
   }
   window_->setFrame(icon);
-  window_->surface().setLayer(capsule(icon.size()));
+  window_->surface().setLayer(capsule(icon.size(), look_.isDark()));
   window_->setAlpha(1);
   window_->order(WindowOrder::frontRegardless);
 }

@@ -4,14 +4,15 @@
 
 #include "base/geometry.h"
 #include "platform/panel_window.h"
+#include "skin/look/control_center_look.h"
 
 namespace plemora {
 
-/// A light capsule over an icon of the menu bar that is not the program's, as the system marks an
-/// icon whose menu is open. It takes no clicks. Main thread; the windows outlive it.
+/// A translucent capsule over an icon of the menu bar that is not the program's, as the system
+/// marks an icon whose menu is open. It takes no clicks. Main thread; windows and look outlive it.
 class IconHighlight {
  public:
-  explicit IconHighlight(Windows& windows) : windows_(windows) {}
+  IconHighlight(Windows& windows, const ControlCenterLook& look) : windows_(windows), look_(look) {}
   ~IconHighlight();
   IconHighlight(const IconHighlight&) = delete;
   IconHighlight& operator=(const IconHighlight&) = delete;
@@ -26,6 +27,7 @@ class IconHighlight {
 
  private:
   Windows& windows_;
+  const ControlCenterLook& look_;
   std::unique_ptr<PanelWindow> window_;  // null: hidden
 };
 

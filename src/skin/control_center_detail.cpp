@@ -54,7 +54,7 @@ ControlCenterDetail::ControlCenterDetail(MixerModel& model, SkinState& skinState
             dismiss();
             services_.menuBar.workspace.openURL(soundSettingsURL);
           }),
-      iconHighlight_(services_.menuBar.windows) {}
+      iconHighlight_(services_.menuBar.windows, services_.menuBar.look) {}
 
 ControlCenterDetail::~ControlCenterDetail() {
   clear();
