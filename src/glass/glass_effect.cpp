@@ -45,6 +45,12 @@ void GlassEffect::setMask(std::shared_ptr<Layer> mask) {
   changed_();
 }
 
+GlassLook GlassEffect::look() const {
+  GlassLook look = tree_->look();
+  look.desktopTint *= tintStrength_;
+  return look;
+}
+
 void GlassEffect::setBounds(const Rect& bounds) {
   if (bounds != bounds_) {
     bounds_ = bounds;

@@ -34,7 +34,9 @@ class GlassEffect : public EffectView, public std::enable_shared_from_this<Glass
   void detach();
 
   const EffectDescription& description() const { return description_; }
-  GlassLook look() const { return tree_->look(); }
+  GlassLook look() const;
+  /// Of its desktop tint: 1 as the material has it, 0 none.
+  void setTintStrength(double strength) { tintStrength_ = strength; }
   /// What is to be drawn over the effect; null: nothing.
   const std::shared_ptr<Layer>& overlay() const { return overlay_; }
   /// Where it is to be seen; null: everywhere.
@@ -51,6 +53,7 @@ class GlassEffect : public EffectView, public std::enable_shared_from_this<Glass
   std::shared_ptr<Layer> mask_;
   Delegate* delegate_ = nullptr;
   Rect bounds_;
+  double tintStrength_ = 1;
   bool isInWindow_ = false;
   bool isDark_;
   bool needsLayout_ = false;

@@ -163,6 +163,7 @@ class GlassView::State : public std::enable_shared_from_this<State> {
   double containerRadius_ = 0;
   Size size_;
   double scale_ = 1;
+  double tintStrength_ = 1;
   bool isDark_ = true;
   bool isInWindow_ = false;
   BackdropSource::Kind kind_ = BackdropSource::Kind::compositor;
@@ -178,6 +179,7 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     auto effect = std::make_shared<GlassEffect>(description, isDark_, main_, std::move(changed));
     effect->setBounds(bounds());
     effect->setInWindow(isInWindow_);
+    effect->setTintStrength(tintStrength_);
     return effect;
   }
 
@@ -313,6 +315,14 @@ void GlassView::setInWindow(bool isInWindow) {
   for (const auto& effect : state_->effects()) {
     effect->setInWindow(isInWindow);
   }
+}
+
+void GlassView::setTintStrength(double strength) {
+  state_->tintStrength_ = strength;
+  for (const auto& effect : state_->effects()) {
+    effect->setTintStrength(strength);
+  }
+  state_->changeGlass();
 }
 
 void GlassView::setBackdropKind(BackdropSource::Kind kind) {

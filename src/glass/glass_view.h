@@ -46,6 +46,10 @@ class GlassView {
   void setDark(bool isDark);
   void setInWindow(bool isInWindow);
 
+  /// How much of their desktop tint the effects show: 1, as at first, all of it; 0 none, where who
+  /// captures what lies behind has tinted that.
+  void setTintStrength(double strength);
+
   /// What can be had of what lies behind; compositor before the first call. Without pixels the
   /// background is a tint: translucent over a compositor, opaque otherwise.
   void setBackdropKind(BackdropSource::Kind kind);

@@ -4,6 +4,12 @@
 
 namespace plemora {
 
+namespace {
+
+constexpr double overhang = 16;  // points, of the seam beyond the module
+
+}  // namespace
+
 SeamShapes::SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius)
     : module_(module), radius_(std::min(cornerRadius, module.height / 2)) {
   if (pills.size() < 2) {
@@ -35,6 +41,11 @@ std::vector<RoundedRect> SeamShapes::seam(double dilation) const {
   }
   auto path = tilesMovedApart(clamped(dilation));
   path.insert(path.begin(), {{0, 0, module_.width, module_.height}, 0, false});
+  // It goes on beyond both ends, so that a feather does not thin it out there.
+  const double width = right_.minX() - left_.maxX() + radius_;
+  const double start = left_.maxX() - radius_ / 2;
+  path.push_back({{start, -overhang, width, overhang}, 0, false});
+  path.push_back({{start, module_.height, width, overhang}, 0, false});
   return path;
 }
 

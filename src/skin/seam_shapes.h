@@ -17,8 +17,8 @@ class SeamShapes {
   SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius);
 
   /// The gap between the tiles with the wedges that their facing corners leave open; each tile's
-  /// edge is moved that far into the tile. Even-odd; what of it lies beyond the module is not
-  /// meant, so it is for a layer that clips to the module.
+  /// edge is moved that far into the tile, or out of it. Even-odd; what of it lies beyond the
+  /// module is not meant to be seen.
   std::vector<RoundedRect> seam(double dilation) const;
   /// Its two ends alone, as high as the corners are. Likewise.
   std::vector<RoundedRect> caps(double dilation) const;

@@ -148,9 +148,8 @@ std::optional<SkinOverlay::Patch> SkinOverlay::makeFamily(char family, const cha
   TunedBackdropView::Tuning tuning = plainTuning(*matrix);
   tuning.blurRadius = number('r', radius);
   tuning.margin = style_.has("margin") ? std::max(tuning.blurRadius * 3, 4.0) : 0;
+  // Not clipped to the module: a feather would fade it out at the module's edges, too.
   auto mask = makeShape(maskName, number('f', feather));
-  // The seam's shapes reach out of the module.
-  mask->masksToBounds = true;
   return makePatch(tuning, std::move(mask));
 }
 
@@ -220,8 +219,12 @@ void SkinOverlay::updateSeam(const Size& size, const std::vector<Rect>& pills) {
   }
   const SeamShapes shapes(size, pills, cornerRadius);
   const double dilation = style_.number("dilate").value_or(0);
-  setPath(gapFix_, size, shapes.seam(dilation));
-  setPath(gapCaps_, size, shapes.caps(dilation));
+  // A feathered border is drawn back by its sigma, so that it ends about where the key says.
+  const auto reach = [&](const std::optional<Patch>& patch) {
+    return dilation - (patch ? patch->mask->featherRadius : 0);
+  };
+  setPath(gapFix_, size, shapes.seam(reach(gapFix_)));
+  setPath(gapCaps_, size, shapes.caps(reach(gapCaps_)));
   setPath(edgeSoften_, size, shapes.edges());
   const Rect bounds = boundsOf(size);
   for (const Patch& patch : bubbleCancel_) {

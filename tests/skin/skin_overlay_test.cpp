@@ -123,7 +123,7 @@ TEST_F(SkinOverlayTest, TunesEachFamilyThatHasAMatrix) {
   EXPECT_EQ(tuned(1).values.at("marginWidth"), 6);
   EXPECT_EQ(std::get<ShapeContent>(effects()[1]->mask()->content).lineWidth, 5);
   EXPECT_EQ(std::get<ShapeContent>(effects()[0]->mask()->content).path,
-            SeamShapes(module.size(), pills, 23).seam(3));
+            SeamShapes(module.size(), pills, 23).seam(3 - 7));
   made->updateSeam({150, 64}, {});
   for (const auto& effect : effects()) {
     EXPECT_TRUE(std::get<ShapeContent>(effect->mask()->content).path.empty());

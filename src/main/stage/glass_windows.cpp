@@ -42,6 +42,8 @@ GlassWindow::GlassWindow(GlassWindows& owner, std::unique_ptr<PanelWindow> inner
       options_(options),
       glass_(std::make_unique<GlassView>(owner.queue_)) {
   glass_->setBackdropKind(BackdropSource::Kind::pixels);
+  // The stage's window server has its own way of tinting what it hands out.
+  glass_->setTintStrength(0);
   glass_->setChangeHandler([this] { change(); });
 }
 

@@ -10,6 +10,7 @@
 #include "glass/outline.h"
 #include "main/stage/desktop_drawing.h"
 #include "main/stage/drawing_painter.h"
+#include "main/stage/stage_glass.h"
 
 namespace plemora {
 
@@ -54,6 +55,22 @@ void paintContents(GlassWindow& window, double scale, QPoint corner, QPainter& p
     QBrush brush(picture);
     brush.setTransform(QTransform::fromTranslate(at.x(), at.y()));
     painter.fillPath(pathOf(*window.container(), scale).intersected(area), brush);
+  }
+}
+
+/// Changes the colours of every pixel.
+void applyMatrix(const ColorMatrix& matrix, BackdropImage& image) {
+  for (unsigned int& pixel : image.pixels) {
+    const float parts[] = {static_cast<float>(pixel >> 16 & 0xff),
+                           static_cast<float>(pixel >> 8 & 0xff), static_cast<float>(pixel & 0xff)};
+    unsigned int result = 0xff;
+    for (std::size_t row = 0; row < 3; ++row) {
+      const float* factor = matrix.data() + 5 * row;
+      const float value = factor[0] * parts[0] + factor[1] * parts[1] + factor[2] * parts[2] +
+                          255 * (factor[3] + factor[4]);
+      result = result << 8 | static_cast<unsigned int>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+    }
+    pixel = result;
   }
 }
 
@@ -197,7 +214,11 @@ void StageCompositor::paintWindow(const Canvas& canvas, const Sheet& sheet, cons
         QRect(corner, QSizeF(sheet.frame.width * scale, sheet.frame.height * scale).toSize())
             .adjusted(-margin, -margin, margin, margin)
             .intersected(canvas.picture.rect());
-    glass.setBackdrop(backdropOf(canvas.picture, seen, scale),
+    BackdropImage behind = backdropOf(canvas.picture, seen, scale);
+    applyMatrix(stageBackdropResponse(desktop_.appearance.isDark(),
+                                      glassReleaseOf(desktop_.systemInfo.version())),
+                behind);
+    glass.setBackdrop(std::move(behind),
                       {(seen.x() - corner.x()) / scale, (seen.y() - corner.y()) / scale,
                        seen.width() / scale, seen.height() / scale});
   }

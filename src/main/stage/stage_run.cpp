@@ -94,6 +94,9 @@ class Performance {
     ProgramFace face{show_.windows(), [this](PanelView& view, const ControlCenterLook& look) {
                        return show_.makeContent(view, look);
                      }};
+    face.makeModuleView = [this](SkinState& state, const ControlCenterLook& look) {
+      return show_.makeModuleView(state, look);
+    };
     face.resources = &resources_;
     if (sound_) {
       face.makeModel = [this](const MixerServices& stage) { return sound_->makeModel(stage); };

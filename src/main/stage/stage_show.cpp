@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "main/stage/scene_clock.h"
+#include "views/module_scene.h"
 #include "views/panel_scene.h"
 
 namespace plemora {
@@ -41,6 +42,12 @@ std::shared_ptr<HostedView> StageShow::makeContent(PanelView& view, const Contro
     return alive ? alive->onScreen(inScene) : inScene;
   });
   return content;
+}
+
+std::shared_ptr<HostedView> StageShow::makeModuleView(SkinState& state,
+                                                      const ControlCenterLook& look) {
+  return std::make_shared<StageContent>(
+      std::make_shared<ModuleScene>(state, look, desktop_.appearance), desktop_.clock, mainScale());
 }
 
 void StageShow::advance(double seconds) {

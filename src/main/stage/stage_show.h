@@ -16,6 +16,7 @@
 namespace plemora {
 
 class SceneClock;
+struct SkinState;
 
 /// Lets the stage be seen: draws what the program's windows show, and all of the desktop. One
 /// software picture for the screen and for files. GUI thread, once there is a QGuiApplication and
@@ -33,10 +34,12 @@ class StageShow {
   StageShow(const StageShow&) = delete;
   StageShow& operator=(const StageShow&) = delete;
 
-  /// What to give to the program instead of the desktop's windows, and as the content of its panel.
+  /// What to give to the program instead of the desktop's windows, and as the content of its panels
+  /// and of its module.
   /// The program goes before the show.
   Windows& windows() { return windows_; }
   std::shared_ptr<HostedView> makeContent(PanelView& view, const ControlCenterLook& look);
+  std::shared_ptr<HostedView> makeModuleView(SkinState& state, const ControlCenterLook& look);
 
   /// As the desktop's, with what is drawn: frame by frame, each shown in its place in time.
   void advance(double seconds);
