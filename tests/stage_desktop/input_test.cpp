@@ -153,6 +153,50 @@ TEST_F(Input, ADragStaysWithTheWindowThatItBeganIn) {
   EXPECT_EQ(client->scrolls[0].steps, -1);
 }
 
+TEST_F(Input, OfTheViewsOfAWindowTheTopmostThatIsSeenGetsIt) {
+  const auto window = showPanel({100, 100, 200, 200});
+  const auto low = std::make_shared<Client>();
+  const auto high = std::make_shared<Client>();
+  const auto show = [&](double alpha) {
+    window->surface().setContents({{low, {}, 1}, {high, {0, 0, 100, 40}, alpha}});
+  };
+  window->surface().setContainer({50, 50, 100, 100}, 10);
+  show(1);
+  const Point inHigh{160, 240};
+  const Point inLow{160, 190};
+  desktop->movePointer(inHigh);
+  ASSERT_EQ(high->pointers.size(), 1U);
+  EXPECT_EQ(high->pointers[0].position, (Point{10, 10}));
+  desktop->movePointer(inLow);
+  ASSERT_EQ(low->pointers.size(), 1U);
+  EXPECT_EQ(low->pointers[0].position, (Point{10, 60}));
+  EXPECT_THAT(high->takePhases(), ElementsAre(Phase::moved, Phase::left));
+  desktop->movePointer({110, 290});
+  EXPECT_THAT(low->takePhases(), ElementsAre(Phase::moved, Phase::left)) << "beside the container";
+  desktop->movePointer({600, 600});
+
+  desktop->drag(inHigh, inLow, 0.05);
+  EXPECT_EQ(high->pointers.back().position, (Point{10, 60}));
+  EXPECT_THAT(high->takePhases(), ElementsAre(Phase::moved, Phase::pressed, Phase::dragged,
+                                              Phase::dragged, Phase::dragged, Phase::released));
+  EXPECT_THAT(low->takePhases(), IsEmpty()) << "a drag stays with the view that it began in";
+
+  desktop->type("a");
+  EXPECT_EQ(high->keys.size(), 2U);
+  show(0.4);
+  desktop->movePointer(inHigh);
+  desktop->scroll(inHigh, 0, 12, 1);
+  desktop->type("a");
+  EXPECT_EQ(high->keys.size(), 2U);
+  EXPECT_EQ(low->keys.size(), 2U);
+  EXPECT_EQ(low->scrolls.size(), 1U);
+  EXPECT_THAT(high->takePhases(), ElementsAre(Phase::left));
+  EXPECT_THAT(low->takePhases(), ElementsAre(Phase::moved, Phase::moved));
+  window->surface().setContent(low);
+  desktop->movePointer({160, 242});
+  EXPECT_EQ(low->pointers.back().position, (Point{10, 8}));
+}
+
 TEST_F(Input, KeysGoToWhoeverClaimedTheKeyboardLast) {
   const auto window = showPanel({100, 100, 200, 200});
   const auto client = clientIn(*window);

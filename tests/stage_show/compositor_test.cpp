@@ -91,6 +91,33 @@ TEST_F(StageCompositorTest, ShowsWindowsThatThePointerGoesThrough) {
   desktop.release();
 }
 
+TEST_F(StageCompositorTest, AContainerClipsItsViewsEachAtItsAlpha) {
+  const auto window = makeWindow({300, 300, 200, 200});
+  const auto view = [&](const QByteArray& color) {
+    return std::make_shared<StageContent>(
+        std::make_shared<QmlView>("Rectangle { color: '" + color + "' }"), desktop.clock);
+  };
+  const auto low = view("red");
+  const auto high = view("lime");
+  const auto outside = colorAt({310, 490});
+  window->surface().setContainer({50, 50, 100, 100}, 20);
+  window->surface().setContents({{low, {}, 1}, {high, {0, 60, 100, 200}, 0.5}});
+  EXPECT_EQ(colorAt({400, 430}), QColor("red"));
+  const QColor mixed = colorAt({400, 370});
+  EXPECT_NEAR(mixed.red(), 128, 2);
+  EXPECT_NEAR(mixed.green(), 128, 2);
+  EXPECT_EQ(colorAt({310, 490}), outside);
+  EXPECT_EQ(colorAt({400, 340}), outside) << "what is too high is cut";
+  EXPECT_EQ(colorAt({352, 447}), outside) << "and so are the corners";
+  EXPECT_EQ(low->onScreen({10, 10, 5, 5}), (Rect{360, 435, 5, 5}));
+
+  window->surface().setContents({{low, {}, 1}, {high, {0, 60, 100, 200}, 0}});
+  EXPECT_EQ(colorAt({400, 370}), QColor("red"));
+  window->surface().setContainer({0, 0, 100, 100}, 20);
+  EXPECT_EQ(colorAt({310, 440}), QColor("red"));
+  EXPECT_EQ(colorAt({420, 430}), outside);
+}
+
 TEST_F(StageCompositorTest, GlassSeesWhatIsBelowItBlurred) {
   const auto glass = makeWindow({300, 300, 300, 300}, {}, level(3));
   const auto effect = glass->surface().showEffect({});

@@ -97,7 +97,7 @@ void StageProgram::pointer(const StageWindowRecord& window, const StagePointerEv
     left.phase = Phase::left;
     before.client->pointer(left);
   }
-  pointed_ = target.view;
+  pointed_ = event.phase == Phase::left ? nullptr : target.view;
   if (target.client != nullptr) {
     target.client->pointer(within(event, target));
   }
