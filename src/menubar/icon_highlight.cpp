@@ -8,7 +8,8 @@ namespace plemora {
 
 namespace {
 
-constexpr double fillAlpha = 0.16;
+constexpr double darkAlpha = 0.14;
+constexpr double lightAlpha = 0.09;
 constexpr Size inset{1, 1};  // points, of the capsule in the icon's frame
 
 PanelWindowOptions highlightOptions() {
@@ -28,7 +29,7 @@ std::shared_ptr<Layer> capsule(const Size& size, bool isDark) {
   layer->name = "capsule";
   layer->frame = Rect{0, 0, size.width, size.height}.inset(inset.width, inset.height);
   layer->backgroundColor = GlassFill::resolve(isDark);
-  layer->opacity = fillAlpha;
+  layer->opacity = isDark ? darkAlpha : lightAlpha;
   layer->cornerRadius = layer->frame.height / 2;
   return layer;
 }
