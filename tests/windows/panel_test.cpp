@@ -100,6 +100,34 @@ TEST_P(Panel, FadesAsAWhole) {
   EXPECT_TRUE(waitForPixel(squareAt, TestView::color));
 }
 
+TEST_P(Panel, ShowsSeveralViewsInAPartOfIt) {
+  // The square's middle is 150 to the right of a view's corner and 110 below it.
+  const QPoint above = squareAt + QPoint(0, -40);
+  const QPoint below = squareAt + QPoint(0, 60);
+  const auto panel = world.makePanel(frame);
+  const auto second = std::make_shared<TestView>();
+  const auto show = [&](double y, double alpha) {
+    panel->surface().setContents({{world.view, {}, 1}, {second, {0, y, 308, 400}, alpha}});
+  };
+  panel->surface().setContainer({0, 0, 308, 300}, 15);
+  show(-40, 1);
+  panel->order(WindowOrder::front);
+  EXPECT_TRUE(waitForPixel(squareAt, TestView::color));
+  EXPECT_TRUE(waitForPixel(above, TestView::color));
+  show(60, 1);
+  EXPECT_TRUE(waitForPixel(below, TestView::color));
+  EXPECT_TRUE(waitForPixel(above, background));
+  show(60, 0);
+  EXPECT_TRUE(waitForPixel(below, background));
+  panel->surface().setContainer({0, 0, 308, 90}, 15);
+  EXPECT_TRUE(waitForPixel(squareAt, background)) << "it is cut off";
+  panel->surface().setContainer({0, 40, 308, 300}, 15);
+  EXPECT_TRUE(waitForPixel(squareAt + QPoint(0, 40), TestView::color));
+  panel->surface().setContent(second);
+  EXPECT_TRUE(waitForPixel(squareAt + QPoint(0, 40), TestView::color));
+  EXPECT_EQ(world.view->item()->parentItem(), nullptr);
+}
+
 TEST_P(Panel, StaysAboveOtherWindows) {
   const auto panel = world.makePanel(frame);
   panel->order(WindowOrder::front);
@@ -175,6 +203,21 @@ TEST_P(Panel, LetsClicksThroughWhenItIgnoresThem) {
   world.display.click(squareAt);
   EXPECT_TRUE(waitUntil([&] { return seen == 1; }));  // what lies below got it
   EXPECT_NE(world.display.focus(), TestDesktop::idOf());
+
+  panel->setIgnoresMouseEvents(false);
+  int taken = 0;
+  const auto local = world.desktop.inputEvents().monitorLocal(
+      leftMouseDownMask, [&](const InputEvent&) { return ++taken > 0; });
+  settle();
+  world.display.click(squareAt);
+  EXPECT_TRUE(waitUntil([&] { return taken == 1; }));
+  panel->setIgnoresMouseEvents(true);
+  settle();
+  world.display.click(squareAt);
+  EXPECT_TRUE(waitUntil([&] { return seen == 2; }));
+  EXPECT_EQ(taken, 1);
+  EXPECT_TRUE(panel->isOnScreen());
+  EXPECT_TRUE(waitForPixel(squareAt, TestView::color));
   world.display.destroy(behind);
 }
 
