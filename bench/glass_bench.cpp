@@ -53,7 +53,7 @@ BackdropImage desktop(double scale) {
 /// The panel's glass, with margin enough for the blur.
 class Panel {
  public:
-  explicit Panel(double scale) {
+  explicit Panel(double scale) : scale_(scale) {
     view_.setSize({width, height});
     view_.setScale(scale);
     view_.setBackdropKind(BackdropSource::Kind::pixels);
@@ -79,6 +79,13 @@ class Panel {
   /// As a new backdrop would, but for the copy that a test has to make of it.
   void blurAgain() { setBlur(std::exchange(nextBlur_, sigma + sigma + 0.01 - nextBlur_)); }
   void newLayer() { view_.setLayer(rim_.layer()); }
+  /// As a panel does that grows out of something, from a tenth of its height.
+  void grow() {
+    part_ = part_ >= 1 ? 0.1 : part_ + 0.01;
+    view_.setContainer({0, 0, width, height * part_}, cornerRadius);
+    rim_.update({width, height * part_}, cornerRadius, true, scale_);
+    view_.setLayer(rim_.layer());
+  }
   const Raster& render() { return view_.render(); }
 
  private:
@@ -89,6 +96,8 @@ class Panel {
   RimLayer rim_{0.56, 0.18};
   TunedBackdropView::Tuning tuning_{};
   double nextBlur_ = sigma + 0.01;
+  double part_ = 1;
+  double scale_;
 };
 
 struct Destroy {
@@ -238,6 +247,14 @@ void registerAll() {
       panel.render();
       for (auto _ : state) {
         panel.newLayer();
+        benchmark::DoNotOptimize(panel.render().row(0));
+      }
+    });
+    add("glass/container grows/" + size, [scale](benchmark::State& state) {
+      Panel panel(scale);
+      panel.render();
+      for (auto _ : state) {
+        panel.grow();
         benchmark::DoNotOptimize(panel.render().row(0));
       }
     });

@@ -48,10 +48,11 @@ GlassWindow::GlassWindow(GlassWindows& owner, std::unique_ptr<PanelWindow> inner
 }
 
 GlassWindow::~GlassWindow() {
-  GlassWindow::setContents({});
   if (owner_ != nullptr) {
     std::erase(owner_->windows_, this);
+    owner_ = nullptr;  // nobody is told of what changes from here on
   }
+  GlassWindow::setContents({});
 }
 
 void GlassWindow::change() {
