@@ -43,6 +43,8 @@ TEST(StageOptions, SaysWhatIsWrongAndWhatIsAllowed) {
       {{"--scenario"}, "--scenario needs the file of a scenario after it"},
       {{"--scenario", ""}, "--scenario needs the file of a scenario after it"},
       {{"--tour"}, "--tour needs a folder for the pictures after it"},
+      {{"--skin", "d", "--tour", "d"}, "--skin makes pictures of its own"},
+      {{"--skin", "d", "--audio", "pipewire"}, "--audio pipewire needs real time"},
       {{"--audio", "loud"}, "--audio needs \"simulated\" or \"pipewire\" after it"},
       {{"--wallpaper", "sea"}, "--wallpaper needs one of these names after it: photograph"},
       {{"--scale", "0"}, "--scale needs a number from 1 to 4 after it"},
@@ -64,8 +66,9 @@ TEST(StageOptions, SaysWhatIsWrongAndWhatIsAllowed) {
 
 TEST(StageOptions, TheHelpNamesEveryOptionAndWallpaper) {
   const std::string help = stageHelp();
-  for (const char* option : {"--scenario", "--screenshots", "--offscreen", "--tour", "--audio",
-                             "--dark", "--light", "--wallpaper", "--scale", "--speed", "--help"}) {
+  for (const char* option :
+       {"--scenario", "--screenshots", "--offscreen", "--tour", "--skin", "--audio", "--dark",
+        "--light", "--wallpaper", "--scale", "--speed", "--help"}) {
     EXPECT_NE(help.find(option), std::string::npos) << option;
   }
   for (const NamedWallpaper& entry : stageWallpapers()) {

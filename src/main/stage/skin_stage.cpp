@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "main/stage/stage_bubbles.h"
+
 namespace plemora {
 
 namespace {
@@ -27,6 +29,9 @@ Scenario scenarioOf(const SkinDesktop& desktop, SkinStage::Module module) {
   scenario.stage.devices = {device};
   for (const auto& [key, value] : desktop.defaults) {
     scenario.stage.defaults[key] = value;
+  }
+  if (desktop.isBare) {
+    scenario.stage.defaults["debugBareSkin"] = true;
   }
   return scenario;
 }
@@ -57,7 +62,11 @@ SkinStage::SkinStage(const SkinDesktop& desktop, Module module)
                         },
                         [this](SkinState& state, const ControlCenterLook& look) {
                           return show_.makeModuleView(state, look);
-                        }}) {
+                        },
+                        &resources_}) {
+  if (desktop.hasBubbles) {
+    StageBubbles::install(resources_, world_.files);
+  }
   show_.setWallpaper(desktop.wallpaper);
   show_.setShowsPointer(false);
   if (module == Module::programs) {

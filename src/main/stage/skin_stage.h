@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 
+#include "main/stage/picture_resources.h"
 #include "main/stage/program_on_stage.h"
 #include "main/stage/stage_show.h"
 #include "main/stage/stage_wallpaper.h"
@@ -19,6 +20,8 @@ struct SkinDesktop {
   StageWallpaper wallpaper = StageWallpaper::photograph;
   double volume = 0.6;  ///< 0...1
   bool isHeadphones = false;
+  bool hasBubbles = true;  ///< bubble sets for this Control Center come with the program
+  bool isBare = false;     ///< the program's module without what it shows
   std::map<std::string, std::string> defaults{};  ///< settings of the program
 };
 
@@ -55,6 +58,7 @@ class SkinStage {
  private:
   StageWorld world_;
   StageShow show_;
+  PictureResources resources_;
   ProgramOnStage program_;
 };
 

@@ -37,7 +37,7 @@ int main(int argc, char** argv) {
     std::fputs(stageHelp().c_str(), stdout);
     return 0;
   }
-  bool isInWindow = !options->isOffscreen && !options->tour;
+  bool isInWindow = !options->isOffscreen && !options->tour && !options->skin;
   if (isInWindow && !displayAnswers()) {
     if (options->scenario) {
       std::fputs(

@@ -60,6 +60,8 @@ class Reader {
       return readText(argument, "a folder for the pictures", options_.screenshots);
     } else if (argument == "--tour") {
       return readText(argument, "a folder for the pictures", options_.tour);
+    } else if (argument == "--skin") {
+      return readText(argument, "a folder for the pictures", options_.skin);
     } else if (argument == "--audio") {
       return readAudio();
     } else if (argument == "--wallpaper") {
@@ -121,13 +123,18 @@ class Reader {
     if (options_.tour && (options_.scenario || options_.screenshots)) {
       return refuse("--tour is a scenario of its own: leave out --scenario and --screenshots");
     }
+    if (options_.skin && (options_.tour || options_.scenario || options_.screenshots)) {
+      return refuse(
+          "--skin makes pictures of its own: leave out --tour, --scenario and --screenshots");
+    }
     if (options_.screenshots && !options_.scenario) {
       return refuse("--screenshots needs a --scenario that takes them, or use --tour");
     }
-    if (options_.isOffscreen && !options_.scenario && !options_.tour && !options_.wantsHelp) {
+    if (options_.isOffscreen && !options_.scenario && !options_.tour && !options_.skin &&
+        !options_.wantsHelp) {
       return refuse("--offscreen shows nothing by itself: add --scenario or --tour");
     }
-    const bool isScript = options_.isOffscreen || options_.tour;
+    const bool isScript = options_.isOffscreen || options_.tour || options_.skin;
     if (isScript && options_.audio == StageOptions::Audio::pipewire) {
       return refuse("--audio pipewire needs real time, so it goes with the window alone");
     }
@@ -163,6 +170,9 @@ std::string stageHelp() {
          "  --offscreen         without a window; time runs as fast as it can\n"
          "  --tour DIR          show every part of the program, as pictures in DIR; no window\n"
          "                      (the default where no display answers, in a temporary folder)\n"
+         "  --skin DIR          the layers of the module in Control Center, as pictures in DIR, "
+         "and\n"
+         "                      a table of how far it differs from the system's own; no window\n"
          "  --audio KIND        simulated (default), or pipewire: the sliders move real sound\n"
          "  --dark, --light     the desktop's appearance\n"
          "  --wallpaper NAME    " +

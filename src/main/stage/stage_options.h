@@ -17,6 +17,7 @@ struct StageOptions {
   std::optional<std::string> scenario;     ///< file
   std::optional<std::string> screenshots;  ///< folder for those that the scenario takes
   std::optional<std::string> tour;         ///< folder for the pictures of a tour
+  std::optional<std::string> skin;         ///< folder for the pictures of the module's layers
   Audio audio = Audio::simulated;
   std::optional<bool> isDark;
   std::optional<StageWallpaper> wallpaper;

@@ -18,6 +18,8 @@
 #include "main/stage/program_on_stage.h"
 #include "main/stage/scenario.h"
 #include "main/stage/scenario_runner.h"
+#include "main/stage/skin_pages.h"
+#include "main/stage/stage_bubbles.h"
 #include "main/stage/stage_loop.h"
 #include "main/stage/stage_screen_window.h"
 #include "main/stage/stage_show.h"
@@ -97,6 +99,7 @@ class Performance {
     face.makeModuleView = [this](SkinState& state, const ControlCenterLook& look) {
       return show_.makeModuleView(state, look);
     };
+    StageBubbles::install(resources_, world_.files);
     face.resources = &resources_;
     if (sound_) {
       face.makeModel = [this](const MixerServices& stage) { return sound_->makeModel(stage); };
@@ -217,6 +220,11 @@ int runInWindow(const StageOptions& options) {
 
 int runStage(const StageOptions& options) {
   try {
+    if (options.skin) {
+      writeSkinPages(*options.skin);
+      std::printf("The layers of the module are in %s\n", options.skin->c_str());
+      return 0;
+    }
     return options.isOffscreen || options.tour ? runOffscreen(options) : runInWindow(options);
   } catch (const std::exception& error) {
     return fail(error.what());
