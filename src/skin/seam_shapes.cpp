@@ -26,27 +26,20 @@ double SeamShapes::clamped(double dilation) const {
   return std::clamp(dilation, -gap / 2, std::min(left_.width, right_.width) / 2);
 }
 
-/// The tiles with their facing edges moved, and made so long that the module has the facing
-/// corners alone.
-std::vector<RoundedRect> SeamShapes::tilesMovedApart(double dilation) const {
-  const double outside = 2 * radius_;
-  return {
-      {{left_.x - outside, 0, left_.width + outside - dilation, module_.height}, radius_, true},
-      {{right_.x + dilation, 0, right_.width + outside - dilation, module_.height}, radius_, true}};
-}
-
 std::vector<RoundedRect> SeamShapes::seam(double dilation) const {
   if (!hasSeam_) {
     return {};
   }
-  auto path = tilesMovedApart(clamped(dilation));
-  path.insert(path.begin(), {{0, 0, module_.width, module_.height}, 0, false});
+  const double moved = clamped(dilation);
   // It goes on beyond both ends, so that a feather does not thin it out there.
   const double width = right_.minX() - left_.maxX() + radius_;
   const double start = left_.maxX() - radius_ / 2;
-  path.push_back({{start, -overhang, width, overhang}, 0, false});
-  path.push_back({{start, module_.height, width, overhang}, 0, false});
-  return path;
+  // The tiles' outer corners are the module's and cancel them out.
+  return {{{0, 0, module_.width, module_.height}, radius_, true},
+          {{left_.x, 0, left_.width - moved, module_.height}, radius_, true},
+          {{right_.x + moved, 0, right_.width - moved, module_.height}, radius_, true},
+          {{start, -overhang, width, overhang}, 0, false},
+          {{start, module_.height, width, overhang}, 0, false}};
 }
 
 std::vector<RoundedRect> SeamShapes::caps(double dilation) const {

@@ -17,8 +17,8 @@ class SeamShapes {
   SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius);
 
   /// The gap between the tiles with the wedges that their facing corners leave open; each tile's
-  /// edge is moved that far into the tile, or out of it. Even-odd; what of it lies beyond the
-  /// module is not meant to be seen.
+  /// edge is moved that far into the tile, or out of it. It goes on above and below the module,
+  /// which is not meant to be seen. Even-odd.
   std::vector<RoundedRect> seam(double dilation) const;
   /// Its two ends alone, as high as the corners are. Likewise.
   std::vector<RoundedRect> caps(double dilation) const;
@@ -27,7 +27,6 @@ class SeamShapes {
 
  private:
   double clamped(double dilation) const;
-  std::vector<RoundedRect> tilesMovedApart(double dilation) const;
 
   bool hasSeam_ = false;
   Size module_;

@@ -39,13 +39,11 @@ class SkinOverlayTest : public testing::Test, protected SkinWorld {
 /// Whether a shape covers a point of the module, as it is drawn.
 bool covers(const std::vector<RoundedRect>& path, Point point) {
   Layer layer;
-  layer.frame = {0, 0, 316, 64};
-  layer.masksToBounds = true;
   layer.content =
       ShapeContent{.path = path, .isEvenOdd = true, .fill = Color::white(), .stroke = std::nullopt};
-  Raster raster(316, 64);
-  LayerRenderer(1).render(layer, raster);
-  return alphaOf(raster.row(static_cast<int>(point.y))[static_cast<int>(point.x)]) > 128;
+  Raster raster(416, 164);
+  LayerRenderer(1).render(layer, raster, {50, 50});
+  return alphaOf(raster.row(50 + static_cast<int>(point.y))[50 + static_cast<int>(point.x)]) > 128;
 }
 
 TEST(SeamShapesTest, CoversTheGapAndTheFacingCornersAlone) {
@@ -57,7 +55,9 @@ TEST(SeamShapesTest, CoversTheGapAndTheFacingCornersAlone) {
                {{148, 1}, true, true, true},     {{167, 62}, true, true, true},
                {{148, 32}, false, true, false},  {{167, 32}, false, true, false},
                {{145, 32}, false, false, false}, {{1, 1}, false, false, false},
-               {{314, 62}, false, false, false}, {{75, 1}, false, false, false}};
+               {{314, 62}, false, false, false}, {{75, 1}, false, false, false},
+               {{158, -8}, true, true, true},    {{-8, 32}, false, false, false},
+               {{324, 32}, false, false, false}, {{100, 70}, false, false, false}};
   for (const auto& [point, inSeam, inWiderSeam, inCaps] : cases) {
     EXPECT_EQ(covers(shapes.seam(0), point), inSeam) << point.x << " " << point.y;
     EXPECT_EQ(covers(shapes.seam(3), point), inWiderSeam) << point.x << " " << point.y;
