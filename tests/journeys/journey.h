@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "journeys/overlay_watch.h"
 #include "journeys/plain_panel.h"
 #include "main/stage/program_on_stage.h"
 #include "main/stage/scenario_runner.h"
@@ -19,11 +21,22 @@ struct Journey {
                           return std::make_shared<PlainPanel>(view);
                         }}),
         runner(scenario, world, program,
-               {.controls = [this] { return PlainPanel::controls(world.desktop); },
+               {.advance = [this](double seconds) { advance(seconds); },
+                .controls = [this] { return PlainPanel::controls(world.desktop); },
                 .screenshot = [this](const std::string& name) { pictures.push_back(name); },
                 .setWallpaper = [](const std::string& name) { return name != "nowhere"; }}) {}
 
+  /// Frame by frame.
+  void advance(double seconds) {
+    constexpr double frame = 1.0 / 60;
+    for (double left = seconds; left > 0; left -= frame) {
+      world.desktop.advance(std::min(left, frame));
+      overlay.look();
+    }
+  }
+
   StageWorld world;
+  OverlayWatch overlay{world};
   ProgramOnStage program;
   std::vector<std::string> pictures;
   ScenarioRunner runner;

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,6 +28,10 @@ struct JourneysTest : testing::TestWithParam<std::string> {};
 TEST_P(JourneysTest, GoesAsItShould) {
   Journey journey(loadScenario(std::string(PLEMORA_SCENARIOS) + "/" + GetParam() + ".json"));
   EXPECT_TRUE(journey.runner.run()) << journey.runner.problem();
+  EXPECT_THAT(journey.overlay.faults(), testing::IsEmpty());
+  if (GetParam().starts_with("module")) {
+    EXPECT_GT(journey.overlay.framesShown(), 60);
+  }
   std::vector<std::string> names = journey.pictures;
   std::ranges::sort(names);
   EXPECT_EQ(std::ranges::adjacent_find(names), names.end()) << "a picture would replace another";

@@ -63,6 +63,15 @@ TEST(Likeness, IsLessWithoutABubbleSet) {
   EXPECT_LT(with, 0.6 * edges());
 }
 
+TEST(Likeness, HoldsForHeadphonesToo) {
+  const SkinDesktop desktop{.isHeadphones = true};
+  const QImage theirs = SkinStage(desktop, SkinStage::Module::systems).picture();
+  const QImage ours = SkinStage(desktop, SkinStage::Module::programs).picture();
+  const QImage speakers = SkinStage({}, SkinStage::Module::programs).picture();
+  EXPECT_LE(SkinStage::difference(theirs, ours, desktop.scale).inside, 1);
+  EXPECT_GT(SkinStage::difference(speakers, ours, desktop.scale).inside, 2);
+}
+
 INSTANTIATE_TEST_SUITE_P(, LikenessTest,
                          testing::Combine(testing::Values("26.1", "26.4", "27.0"),
                                           testing::Bool()));

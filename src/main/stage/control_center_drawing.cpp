@@ -215,8 +215,8 @@ class TileDrawing {
     const double titleSize = release_ == GlassRelease::macOS26_1 ? 13 : 12.4;
     const Rect title{rect.x + 16, rect.y + 11, 60, 15};
     drawing_.push_back(TextMark{title, face.title, ink, titleSize, 500, TextPlace::left});
-    const double titleWidth = 7.4 * static_cast<double>(face.title.size());  // about
-    addSymbol({title.x + titleWidth + 9, title.midY()}, 16, "chevron.right", faded);
+    const double chevron = isSound ? 62 : 67;  // clear of the title
+    addSymbol({rect.x + chevron, title.midY()}, 16, "chevron.right", faded);
     const Rect slider = space_.flipped(center_.slider(tile));
     addTrack(slider, center_.sliderValue(tile));
     addSymbol({slider.x - 13, slider.midY()}, 20,

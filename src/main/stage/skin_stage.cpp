@@ -23,8 +23,8 @@ Scenario scenarioOf(const SkinDesktop& desktop, SkinStage::Module module) {
       module == SkinStage::Module::programs ? ScenarioLayout::replaced : ScenarioLayout::fresh;
   ScenarioDevice device;
   device.uid = "output";
-  device.name = desktop.isHeadphones ? "Headphones" : "Speakers";
-  device.transport = "built-in";
+  device.name = desktop.isHeadphones ? "AirPods Pro" : "Speakers";
+  device.transport = desktop.isHeadphones ? "bluetooth" : "built-in";
   device.volume = desktop.volume;
   scenario.stage.devices = {device};
   for (const auto& [key, value] : desktop.defaults) {

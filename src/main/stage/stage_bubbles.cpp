@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -156,24 +157,31 @@ std::string png(const QImage& image) {
   return bytes.toStdString();
 }
 
-}  // namespace
-
-void StageBubbles::install(PictureResources& resources, Files& files) {
-  const auto put = [&](const std::string& name, const std::string& bytes) {
-    const std::string path = std::string(folder) + "/" + name;
-    files.writeAtomically(path, bytes);
-    resources.paths[name] = path;
-  };
-  files.makeFolder(folder);
+/// The files by their names.
+std::map<std::string, std::string> draw() {
+  std::map<std::string, std::string> drawn;
   for (const Set& set : sets) {
     const std::string name = set.name;
     const ColorMatrix glass = stageGlassLook(GlassKind::tile, set.isDark, set.release).matrix;
     const nlohmann::json entries = {
         {{"mask", name + "-rims"}, {"matrix", entryMatrix(withoutRim())}},
         {{"mask", name + "-edges"}, {"matrix", entryMatrix(glass)}}};
-    put(name + ".json", entries.dump());
-    put(name + "-rims.png", png(rimsMask(set.blur)));
-    put(name + "-edges.png", png(edgesMask(set.blur)));
+    drawn[name + ".json"] = entries.dump();
+    drawn[name + "-rims.png"] = png(rimsMask(set.blur));
+    drawn[name + "-edges.png"] = png(edgesMask(set.blur));
+  }
+  return drawn;
+}
+
+}  // namespace
+
+void StageBubbles::install(PictureResources& resources, Files& files) {
+  static const auto all = draw();
+  files.makeFolder(folder);
+  for (const auto& [name, bytes] : all) {
+    const std::string path = std::string(folder) + "/" + name;
+    files.writeAtomically(path, bytes);
+    resources.paths[name] = path;
   }
 }
 

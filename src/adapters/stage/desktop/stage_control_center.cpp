@@ -298,8 +298,7 @@ bool StageControlCenter::isOutputHeadphones() const {
   }
   const SimulatedDevice device = services_.hal.device(output);
   const std::string name = device.name.value_or("");
-  return device.dataSource == kAudioDataSourceHeadphones || name.find("AirPods") != name.npos ||
-         name.find("eadphones") != name.npos;
+  return device.dataSource == kAudioDataSourceHeadphones || name.find("AirPods") != name.npos;
 }
 
 double StageControlCenter::sliderValue(const StageTile& tile) const {
