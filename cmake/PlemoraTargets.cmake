@@ -30,11 +30,14 @@ if(PLEMORA_SANITIZE MATCHES "undefined")
   target_compile_options(plemora_test_options INTERFACE -fno-sanitize=undefined)
 endif()
 
-# plemora_library(<target> FOLDER <folder below src> SOURCES <files> [LINKS <targets>] [PRIVATE_LINKS <targets>])
+# plemora_library(<target> FOLDER <folder below src> SOURCES <files> [LINKS <targets>]
+#   [PRIVATE_LINKS <targets>] [PRECOMPILE <headers>])
+# PRECOMPILE names headers that most of its sources include, besides those of the standard library;
+# they are read once where PLEMORA_PRECOMPILE is on.
 # The folder is offered to dependents under its own name through a link in the build tree, so that
 # #include "folder/file.h" works for those who link the target and for nobody else.
 function(plemora_library target)
-  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINKS;PRIVATE_LINKS" ${ARGN})
+  cmake_parse_arguments(ARG "" "FOLDER" "SOURCES;LINKS;PRIVATE_LINKS;PRECOMPILE" ${ARGN})
   set(view ${PROJECT_BINARY_DIR}/include/${target})
   cmake_path(GET ARG_FOLDER PARENT_PATH parent)
   file(MAKE_DIRECTORY ${view}/${parent})
@@ -43,6 +46,11 @@ function(plemora_library target)
     add_library(${target} STATIC ${ARG_SOURCES})
     target_include_directories(${target} PUBLIC ${view})
     target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE plemora_options ${ARG_PRIVATE_LINKS})
+    list(LENGTH ARG_SOURCES count)
+    if(PLEMORA_PRECOMPILE AND count GREATER 3)
+      target_precompile_headers(${target} PRIVATE <algorithm> <functional> <map> <memory> <optional>
+        <string> <utility> <variant> <vector> ${ARG_PRECOMPILE})
+    endif()
   else()
     add_library(${target} INTERFACE)
     target_include_directories(${target} INTERFACE ${view})
