@@ -240,6 +240,7 @@ void AppDelegate::applicationWillTerminate() {
     return;
   }
   skin_->stop();
+  detail_->tearDown();
   if (!isSet(soundReplacedKey)) {
     return;
   }
@@ -259,7 +260,10 @@ void AppDelegate::tilePressed() {
 }
 
 void AppDelegate::openLater(double delay, Anchor from) {
-  later_.after(delay, [this, from] { statusItem_->open(from); });
+  later_.after(delay, [this, from] {
+    detail_->dismiss();  // one mixer at a time
+    statusItem_->open(from);
+  });
 }
 
 void AppDelegate::reloadControlsLater() {

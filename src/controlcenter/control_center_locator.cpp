@@ -117,10 +117,11 @@ ControlCenterLocator::Glance ControlCenterLocator::glance() const {
   for (const ControlCenterWindow& window : controlCenterWindows()) {
     // Edit mode's windows are as wide as the display.
     const bool isFullWidth = window.rect.width >= main->frame.width - edgeTolerance;
+    const bool isNarrow = window.rect.width < main->frame.width - edgeTolerance;  // no NaN is
     if (isFullWidth && window.rect.height >= main->frame.height - edgeTolerance) {
       seen.isEditing = true;
     }
-    if (!seen.panel && !isFullWidth && window.layer != statusWindowLevel &&
+    if (!seen.panel && isNarrow && window.layer != statusWindowLevel &&
         window.rect.minY() < topEdge && window.rect.height > panelMinHeight) {
       seen.panel = window;
     }

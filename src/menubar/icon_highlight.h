@@ -20,7 +20,6 @@ class IconHighlight {
   /// Marks the icon that fills that frame (global, y up), and no other; at full alpha.
   void show(const Rect& icon);
   void hide();
-  bool isShown() const { return window_ != nullptr; }
 
   /// 0...1, of the whole mark; nothing happens while there is none.
   void setAlpha(double alpha);

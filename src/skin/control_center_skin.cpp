@@ -180,14 +180,14 @@ void ControlCenterSkin::followControlCenter() {
 
 /// Goes along while Control Center fades out; whether it does.
 bool ControlCenterSkin::isFading(double alpha) {
-  // One that fades in is not closing, however faint it is.
-  const bool isRising = panelAlpha_ && alpha > *panelAlpha_;
+  // One that fades in is not closing, however faint it is, nor is one that stands still.
+  const bool isFalling = panelAlpha_ && alpha < *panelAlpha_;
   panelAlpha_ = alpha;
   if (isClosing_ && alpha >= opaque) {
     isClosing_ = false;
     hide();
   }
-  if (isShowing_ && alpha < opaque && !isRising) {
+  if (isShowing_ && alpha < opaque && isFalling) {
     isClosing_ = true;
   }
   if (!isClosing_) {
@@ -261,6 +261,7 @@ void ControlCenterSkin::show(const Rect& rect, bool isWide, const std::vector<Re
   if (state.isWide.get() != isWide) {
     state.isWide.set(isWide);
   }
+  const bool isOtherShape = moduleFrame_.size() != rect.size() || pillRects_ != pills;
   moduleFrame_ = rect;
   pillRects_ = pills;
   resolveStyle();
@@ -283,6 +284,10 @@ void ControlCenterSkin::show(const Rect& rect, bool isWide, const std::vector<Re
   }
   if (!isShowing_) {
     becomeVisible();
+  }
+  if ((isNew || isOtherShape) && state.isHovering.get()) {
+    hoveredPill_.reset();  // the light was made for another shape
+    updateHover(services_.inputEvents.pointerLocation());
   }
 }
 

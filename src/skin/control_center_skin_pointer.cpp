@@ -65,7 +65,9 @@ void ControlCenterSkin::press(const Point& place) {
     return;
   }
   drag_ = DragKind::detailPress;
-  services_.inputEvents.postKey(escapeKeyCode);  // closes Control Center
+  if (!isClosing_) {
+    services_.inputEvents.postKey(escapeKeyCode);  // closes Control Center
+  }
   if (onPrepareDetail) {
     onPrepareDetail(moduleFrame_);
   }

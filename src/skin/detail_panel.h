@@ -27,7 +27,6 @@ class DetailPanel {
   DetailPanel& operator=(const DetailPanel&) = delete;
 
   PanelWindow& window() { return *window_; }
-  const PanelWindow& window() const { return *window_; }
 
   /// The ends of the way. The window covers both at least, and where the container is.
   void setFrames(const Rect& module, const Rect& panel);

@@ -18,7 +18,9 @@ SeamShapes::SeamShapes(const Size& module, const std::vector<Rect>& pills, doubl
   // A tile may stand a fraction of a point lower than its neighbour; the seam does not tell.
   left_ = {pills[0].x, 0, pills[0].width, module.height};
   right_ = {pills[1].x, 0, pills[1].width, module.height};
-  hasSeam_ = left_.maxX() <= right_.minX() && right_.maxX() <= module.width;
+  // Frames of other processes are sums of fractions.
+  constexpr double slack = 0.5;
+  hasSeam_ = left_.maxX() <= right_.minX() + slack && right_.maxX() <= module.width + slack;
 }
 
 double SeamShapes::clamped(double dilation) const {

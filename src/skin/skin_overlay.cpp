@@ -159,7 +159,8 @@ void SkinOverlay::makeBubbleCancel() {
     return;
   }
   const BubbleCancel files(services_.defaults, services_.files, services_.resources);
-  const auto strength = static_cast<float>(style_.number("bcr").value_or(1.0));
+  const auto strength =
+      static_cast<float>(std::clamp(style_.number("bcr").value_or(1.0), 0.0, 1.0));
   for (BubbleCancel::Layer& layer : files.layers(*set, strength)) {
     auto mask = makeLayer("bubbleCancelMask");
     mask->content = std::move(layer.mask);
@@ -169,14 +170,12 @@ void SkinOverlay::makeBubbleCancel() {
 
 void SkinOverlay::makeLayers() {
   const double feather = style_.number("feather").value_or(8.0);
-  seamMask_ = makeShape("seamMask", 0);
   lift_ = makeShape("lift", feather);
   lift_->opacity = style_.number("lift").value_or(0);
   seamLight_ = makeShape("seamLight", feather);
   seamLight_->opacity = 0;
   for (const auto& layer : {lift_, seamLight_}) {
     layer->blendMode = BlendMode::screen;
-    layer->mask = seamMask_;
   }
   glow_ = makeShape("glow", glowFeather);
   glow_->opacity = 0;
@@ -232,11 +231,10 @@ void SkinOverlay::updateSeam(const Size& size, const std::vector<Rect>& pills) {
     patch.mask->frame = bounds.inset(-beyond, -beyond);
     patch.effect->setMask(patch.mask);
   }
-  for (const auto& layer : {root_, seamPatch_, lift_, seamLight_, seamMask_, glow_, glowBounds_}) {
+  for (const auto& layer : {root_, seamPatch_, lift_, seamLight_, glow_, glowBounds_}) {
     layer->frame = bounds;
   }
   shapeOf(*lift_).path = shapeOf(*seamLight_).path = shapes.seam(dilation);
-  shapeOf(*seamMask_).path = {outlineOf(bounds)};
   rim_.update(size, cornerRadius, window_->surface().isFlipped(), key.scale);
   seamKey_ = std::move(key);
   showLayers();

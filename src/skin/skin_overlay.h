@@ -102,7 +102,6 @@ class SkinOverlay {
   std::shared_ptr<Layer> seamPatch_;  // holds the next two
   std::shared_ptr<Layer> lift_;
   std::shared_ptr<Layer> seamLight_;
-  std::shared_ptr<Layer> seamMask_;  // of both
   std::shared_ptr<Layer> glow_;
   std::shared_ptr<Layer> glowBounds_;  // keeps the glow inside the module
   RimLayer rim_;

@@ -58,8 +58,16 @@ ModuleScene::~ModuleScene() = default;
 QQuickItem* ModuleScene::item() {
   if (parts_ == nullptr) {
     parts_ = std::make_unique<Parts>(state_, look_, appearance_);
+    setVisible(isVisible_);
   }
   return parts_->item();
+}
+
+void ModuleScene::setVisible(bool isVisible) {
+  isVisible_ = isVisible;
+  if (parts_ != nullptr && parts_->item() != nullptr) {
+    parts_->item()->setVisible(isVisible);
+  }
 }
 
 }  // namespace plemora

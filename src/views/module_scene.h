@@ -28,8 +28,8 @@ class ModuleScene : public HostedView, public QuickView {
   double fittingHeight() override { return height; }
   /// Its height never changes.
   void setHeightHandler(std::function<void(double height)>) override {}
-  /// It has neither animations nor timers.
-  void setVisible(bool) override {}
+  /// It has neither animations nor timers, but would be painted again for every change.
+  void setVisible(bool isVisible) override;
 
   QQuickItem* item() override;
 
@@ -39,6 +39,7 @@ class ModuleScene : public HostedView, public QuickView {
   SkinState& state_;
   const ControlCenterLook& look_;
   Appearance& appearance_;
+  bool isVisible_ = true;
   std::unique_ptr<Parts> parts_;
 };
 

@@ -10,7 +10,7 @@ class QuickView {
  public:
   virtual ~QuickView() = default;
 
-  /// The view's item, 308 points wide; built at the first call. The view owns it and whoever shows
+  /// The view's item; built at the first call. The view owns it and whoever shows
   /// it gives it a parent item and a height. Null only when the view could not be built.
   virtual QQuickItem* item() = 0;
 };

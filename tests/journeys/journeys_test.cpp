@@ -53,5 +53,27 @@ std::string testNameOf(const testing::TestParamInfo<std::string>& info) {
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, JourneysTest, testing::ValuesIn(scenarioNames()), testNameOf);
 
+TEST(ModuleJourneysTest, GoTheSameOnEveryReleaseInEveryAppearanceAtEveryScale) {
+  for (const char* name : {"module", "module-world"}) {
+    for (const SystemVersion& version :
+         {SystemVersion{26, 1, 0}, SystemVersion{26, 4, 0}, SystemVersion{27, 0, 0}}) {
+      for (const bool isDark : {true, false}) {
+        for (const double scale : {1.0, 2.0}) {
+          SCOPED_TRACE(std::string(name) + " on " + std::to_string(version.major) + "." +
+                       std::to_string(version.minor) + (isDark ? " dark " : " light ") +
+                       std::to_string(scale));
+          Scenario scenario = loadScenario(std::string(PLEMORA_SCENARIOS) + "/" + name + ".json");
+          scenario.stage.isDark = isDark;
+          scenario.stage.screens = {ScenarioScreen{.scale = scale}};
+          Journey journey(scenario);
+          journey.world.desktop.systemInfo.systemVersion = version;
+          EXPECT_TRUE(journey.runner.run()) << journey.runner.problem();
+          EXPECT_THAT(journey.overlay.faults(), testing::IsEmpty());
+        }
+      }
+    }
+  }
+}
+
 }  // namespace
 }  // namespace plemora
