@@ -51,6 +51,19 @@ TEST_F(StageScreenWindowTest, KeepsTheProportionsAndPlacesBesideThePictureAreIts
   EXPECT_EQ(desktop.input.pointerLocation(), (Point{640, 800}));
 }
 
+TEST_F(StageScreenWindowTest, KeysGoOnToTheWindowThatHasThemThere) {
+  desktop.program.start("com.quorvane.mixer", "Plemora");
+  real.requestActivate();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&real));
+  const auto window = makeWindow({200, 500, 200, 100},
+                                 "Rectangle { focus: true; color: 'blue'\n"
+                                 "  Keys.onSpacePressed: color = 'red' }");
+  window->order(WindowOrder::keyAndFront);
+  EXPECT_EQ(colorAt({300, 550}), QColor("blue"));
+  QTest::keyClick(&real, Qt::Key_Space);
+  EXPECT_EQ(colorAt({300, 550}), QColor("red"));
+}
+
 TEST_F(StageScreenWindowTest, TheWheelGoesOn) {
   desktop.program.start("com.quorvane.mixer", "Plemora");
   const auto window = makeWindow(

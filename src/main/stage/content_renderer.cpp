@@ -126,9 +126,30 @@ std::vector<ContentRenderer::Control> ContentRenderer::controls() const {
 }
 
 bool ContentRenderer::send(QInputEvent& event) {
+  const bool isKey = event.type() == QEvent::KeyPress || event.type() == QEvent::KeyRelease;
+  if (isKey && isFocused_ && item_ != nullptr && window_->activeFocusItem() == nullptr) {
+    return sendToFocus(event);
+  }
   event.setAccepted(false);
   QCoreApplication::sendEvent(window_.get(), &event);
   return event.isAccepted();
+}
+
+/// The toolkit gives no scene the focus while another window of the process has it, as the one has
+/// that shows the stage. The key then goes where the focus would be.
+bool ContentRenderer::sendToFocus(QInputEvent& event) {
+  QQuickItem* item = item_;
+  while (item->isFocusScope() && item->scopedFocusItem() != nullptr) {
+    item = item->scopedFocusItem();
+  }
+  for (; item != nullptr; item = item->parentItem()) {
+    event.accept();
+    QCoreApplication::sendEvent(item, &event);
+    if (event.isAccepted()) {
+      return true;
+    }
+  }
+  return false;
 }
 
 void ContentRenderer::leave() {
@@ -137,6 +158,7 @@ void ContentRenderer::leave() {
 }
 
 void ContentRenderer::setFocused(bool isFocused) {
+  isFocused_ = isFocused;
   if (isFocused && item_ != nullptr) {
     item_->setFocus(true, Qt::ActiveWindowFocusReason);
   }

@@ -56,6 +56,7 @@ class ContentRenderer {
 
  private:
   void change();
+  bool sendToFocus(QInputEvent& event);
 
   std::function<void()> changed_;
   std::unique_ptr<QQuickRenderControl> control_;
@@ -64,6 +65,7 @@ class ContentRenderer {
   QImage picture_;
   double scale_ = 1;
   bool isStale_ = true;
+  bool isFocused_ = false;
 };
 
 }  // namespace plemora
