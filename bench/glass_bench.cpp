@@ -16,6 +16,7 @@
 #include "glass/pixel_kernel.h"
 #include "skin/look/glass_style.h"
 #include "skin/look/rim_layer.h"
+#include "striped_desktop.h"
 
 // What the glass of a panel costs, in one run beside the same chain made with cairo: blur, colour
 // matrix, a fill, rounded corners and a rim, 308 x 500 points at one and at two pixels a point.
@@ -34,20 +35,9 @@ constexpr ColorMatrix matrix = {0.8265f,  -0.1885f, -0.0182f, 0,        0.1191f,
                                 -0.0199f, 0,        0.1154f,  -0.0569f, -0.1861f, 0.8645f,  0,
                                 0.1095f,  0,        0,        0,        1,        0};
 
-/// A desktop of stripes and gradients.
+/// With margin enough for the blur.
 BackdropImage desktop(double scale) {
-  BackdropImage image;
-  image.scale = scale;
-  image.width = static_cast<int>((width + 200) * scale);
-  image.height = static_cast<int>((height + 200) * scale);
-  for (int y = 0; y < image.height; ++y) {
-    for (int x = 0; x < image.width; ++x) {
-      const auto level = static_cast<unsigned>((x * 3 + y / 7 * 40) % 256);
-      image.pixels.push_back(0xff000000U | level << 16 | (255 - level) << 8 |
-                             static_cast<unsigned>(y % 256));
-    }
-  }
-  return image;
+  return stripedDesktop({width + 200.0, height + 200.0}, scale);
 }
 
 /// The panel's glass, with margin enough for the blur.

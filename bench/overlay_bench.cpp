@@ -5,29 +5,12 @@
 #include <memory>
 #include <utility>
 
-#include "adapters/stage/manual_serial_queue.h"
-#include "adapters/stage/memory_defaults.h"
-#include "adapters/stage/memory_files.h"
-#include "adapters/stage/memory_preferences.h"
-#include "adapters/stage/memory_resources.h"
-#include "adapters/stage/scripted_accessibility.h"
-#include "adapters/stage/scripted_appearance.h"
-#include "adapters/stage/scripted_control_reload.h"
-#include "adapters/stage/scripted_input_events.h"
-#include "adapters/stage/scripted_screens.h"
-#include "adapters/stage/scripted_system_info.h"
-#include "adapters/stage/scripted_window_list.h"
-#include "adapters/stage/scripted_workspace.h"
-#include "adapters/stage/stage_windows.h"
-#include "adapters/stage/virtual_clock.h"
-#include "adapters/stage/virtual_display_links.h"
-#include "adapters/stage/virtual_main_queue.h"
-#include "controlcenter/control_center_locator.h"
 #include "glass/glass_view.h"
 #include "main/stage/glass_windows.h"
-#include "skin/look/control_center_look.h"
 #include "skin/skin_overlay.h"
 #include "skin/skin_state.h"
+#include "skin_world.h"
+#include "striped_desktop.h"
 #include "views/module_scene.h"
 
 // What it costs to draw the overlay over a module of two tiles, at two pixels a point, in the
@@ -42,42 +25,8 @@ constexpr double scale = 2;
 constexpr Size module{316, 64};
 constexpr double margin = 60;  // of the desktop around it
 
-BackdropImage desktop() {
-  BackdropImage image;
-  image.scale = scale;
-  image.width = static_cast<int>((module.width + 2 * margin) * scale);
-  image.height = static_cast<int>((module.height + 2 * margin) * scale);
-  for (int y = 0; y < image.height; ++y) {
-    for (int x = 0; x < image.width; ++x) {
-      const auto level = static_cast<unsigned>((x * 3 + y / 7 * 40) % 256);
-      image.pixels.push_back(0xff000000U | level << 16 | (255 - level) << 8 |
-                             static_cast<unsigned>(y % 256));
-    }
-  }
-  return image;
-}
-
-struct World {
-  VirtualClock clock;
-  VirtualMainQueue main{clock};
-  ScriptedScreens screens;
-  ScriptedWindowList windowList;
-  ScriptedAccessibility accessibility;
-  MemoryPreferences preferences;
-  ScriptedWorkspace workspace;
-  ControlCenterLocator locator{screens, windowList, accessibility, preferences, workspace};
-  StageWindows stageWindows{main, screens};
-  GlassWindows windows{stageWindows, main};
-  VirtualDisplayLinks links{main, 120};
-  StageQueueFactory queues;
-  ScriptedInputEvents input;
-  ScriptedControlReload reload;
-  MemoryDefaults defaults;
-  MemoryFiles files;
-  MemoryResources resources;
-  ScriptedSystemInfo system;
-  ScriptedAppearance appearance;
-  ControlCenterLook look{defaults, system, appearance};
+struct World : SkinWorld {
+  GlassWindows glassWindows{windows, main};
 };
 
 class Overlay {
@@ -85,10 +34,8 @@ class Overlay {
   explicit Overlay(World& world)
       : world_(world),
         overlay_(
-            {world.main, world.queues, world.clock, world.links, world.screens, world.windows,
-             world.input, world.workspace, world.accessibility, world.reload, world.defaults,
-             world.files, world.resources, world.look, world.locator},
-            state_, [this](SkinState& state) { return makeView(state); },
+            world.services(world.glassWindows), state_,
+            [this](SkinState& state) { return makeView(state); },
             GlassStyle(world.look.style("skinStyle", builtInSkin)), 101) {
     state_.isWide.set(true);
     state_.volume.set(0.5F);
@@ -135,7 +82,8 @@ class Overlay {
   }
 
   World& world_;
-  const BackdropImage desktop_ = desktop();
+  const BackdropImage desktop_ =
+      stripedDesktop({module.width + 2 * margin, module.height + 2 * margin}, scale);
   SkinState state_;
   std::shared_ptr<ModuleScene> scene_;
   std::shared_ptr<StageContent> content_;

@@ -5,29 +5,11 @@
 #include <ctime>
 #include <memory>
 
-#include "adapters/stage/manual_serial_queue.h"
-#include "adapters/stage/memory_defaults.h"
-#include "adapters/stage/memory_files.h"
-#include "adapters/stage/memory_preferences.h"
-#include "adapters/stage/memory_resources.h"
-#include "adapters/stage/scripted_accessibility.h"
-#include "adapters/stage/scripted_appearance.h"
-#include "adapters/stage/scripted_control_reload.h"
 #include "adapters/stage/scripted_hosted_view.h"
-#include "adapters/stage/scripted_input_events.h"
-#include "adapters/stage/scripted_screens.h"
-#include "adapters/stage/scripted_system_info.h"
-#include "adapters/stage/scripted_window_list.h"
-#include "adapters/stage/scripted_workspace.h"
 #include "adapters/stage/simulated_hal.h"
-#include "adapters/stage/stage_windows.h"
-#include "adapters/stage/virtual_clock.h"
-#include "adapters/stage/virtual_display_links.h"
-#include "adapters/stage/virtual_main_queue.h"
-#include "controlcenter/control_center_locator.h"
 #include "devices/output_devices.h"
 #include "skin/control_center_skin.h"
-#include "skin/look/control_center_look.h"
+#include "skin_world.h"
 
 // What one tick of the skin costs while it shows the module over two tiles, with 100 windows on
 // screen and without the time that a window server or Control Center would take to answer. It is
@@ -38,33 +20,12 @@ namespace {
 
 constexpr double frameTime = 1.0 / 120;  // seconds
 
-struct ShownModule {
+struct ShownModule : SkinWorld {
   static constexpr std::int32_t pid = 300;
 
-  VirtualClock clock;
-  VirtualMainQueue main{clock};
-  ScriptedScreens screens;
-  ScriptedWindowList windowList;
-  ScriptedAccessibility accessibility;
-  MemoryPreferences preferences;
-  ScriptedWorkspace workspace;
-  ControlCenterLocator locator{screens, windowList, accessibility, preferences, workspace};
-  StageWindows windows{main, screens};
-  VirtualDisplayLinks links{main, 1 / frameTime};
-  StageQueueFactory queues;
-  ScriptedInputEvents input;
-  ScriptedControlReload reload;
-  MemoryDefaults defaults;
-  MemoryFiles files;
-  MemoryResources resources;
-  ScriptedSystemInfo system;
-  ScriptedAppearance appearance;
-  ControlCenterLook look{defaults, system, appearance};
   SimulatedHal hal{main};
   OutputDevices outputs{hal, system};
-  ControlCenterSkin skin{{main, queues, clock, links, screens, windows, input, workspace,
-                          accessibility, reload, defaults, files, resources, look, locator},
-                         outputs,
+  ControlCenterSkin skin{services(windows), outputs,
                          [](SkinState&) { return std::make_shared<ScriptedHostedView>(); }};
 
   ShownModule() {
