@@ -21,6 +21,9 @@ SeamShapes::SeamShapes(const Size& module, const std::vector<Rect>& pills, doubl
   // Frames of other processes are sums of fractions.
   constexpr double slack = 0.5;
   hasSeam_ = left_.maxX() <= right_.minX() + slack && right_.maxX() <= module.width + slack;
+  const double end = std::min(right_.maxX(), module.width);
+  right_.x = std::max(right_.x, left_.maxX());
+  right_.width = std::max(end - right_.x, 0.0);
 }
 
 double SeamShapes::clamped(double dilation) const {

@@ -103,6 +103,7 @@ TEST_F(ControlCenterSkinTest, AsksFewQuestionsWhileItKnowsTheTiles) {
     EXPECT_EQ(windowList.reads - reads, 1);
     EXPECT_EQ(overlay().stageSurface().layerUpdates, layers);
     EXPECT_EQ(overlay().frames.size(), frames);
+    accessibility.setHook({});
   }
 }
 
