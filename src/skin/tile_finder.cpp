@@ -21,6 +21,8 @@ constexpr std::size_t mostTiles = 32;
 // Points. Beyond them no screen can be.
 constexpr double farthest = 1'000'000;
 constexpr double largest = 20'000;
+// Less than a pixel; added to where it is, it would get lost.
+constexpr double smallest = 0.1;
 
 class Search {
  public:
@@ -64,8 +66,9 @@ double leftEdge(AccessibilityElement& tile) {
 
 /// False for NaN, too.
 bool isBelievable(const Rect& frame) {
-  return std::abs(frame.x) <= farthest && std::abs(frame.y) <= farthest && frame.width > 0 &&
-         frame.width <= largest && frame.height > 0 && frame.height <= largest;
+  return std::abs(frame.x) <= farthest && std::abs(frame.y) <= farthest &&
+         frame.width >= smallest && frame.width <= largest && frame.height >= smallest &&
+         frame.height <= largest;
 }
 
 }  // namespace

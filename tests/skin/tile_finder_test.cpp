@@ -90,10 +90,10 @@ TEST_F(TileFinderTest, BelievesNoFrameThatATileCannotHave) {
     Rect frame;
     bool isBelieved;
   } cases[] = {
-      {{-1440, -900, 0.5, 1}, true}, {{0, 0, 0, 64}, false},        {{0, 0, -10, 64}, false},
-      {{0, 0, 150, 0}, false},       {{nan, 0, 150, 64}, false},    {{0, 0, nan, 64}, false},
-      {{0, 0, 150, nan}, false},     {{1e30, 0, 150, 64}, false},   {{0, -infinity, 1, 1}, false},
-      {{0, 0, 1e12, 64}, false},     {{0, 0, 150, infinity}, false}};
+      {{-1440, -900, 0.5, 1}, true}, {{0, 0, 0, 64}, false},       {{0, 0, -10, 64}, false},
+      {{0, 0, 150, 0}, false},       {{1e6, 0, 1e-12, 64}, false}, {{nan, 0, 150, 64}, false},
+      {{0, 0, nan, 64}, false},      {{0, 0, 150, nan}, false},    {{1e30, 0, 150, 64}, false},
+      {{0, -infinity, 1, 1}, false}, {{0, 0, 1e12, 64}, false},    {{0, 0, 150, infinity}, false}};
   for (const auto& [frame, isBelieved] : cases) {
     const auto tile = accessibility.make();
     accessibility.setFrame(tile, frame);
