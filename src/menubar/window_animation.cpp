@@ -8,17 +8,16 @@ namespace {
 
 constexpr int mainScreen = -1;
 
-double mix(double from, double to, double p) {
-  return from + (to - from) * p;
-}
-
-// Used by a template alone, where clang 14 overlooks it.
-[[maybe_unused]] Rect mix(const Rect& from, const Rect& to, double p) {
-  return {mix(from.x, to.x, p), mix(from.y, to.y, p), mix(from.width, to.width, p),
-          mix(from.height, to.height, p)};
-}
-
 }  // namespace
+
+double WindowAnimation::mix(double from, double to, double share) {
+  return from + (to - from) * share;
+}
+
+Rect WindowAnimation::mix(const Rect& from, const Rect& to, double share) {
+  return {mix(from.x, to.x, share), mix(from.y, to.y, share), mix(from.width, to.width, share),
+          mix(from.height, to.height, share)};
+}
 
 template <typename Value>
 bool WindowAnimation::Track<Value>::isOver(double now) const {

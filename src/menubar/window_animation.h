@@ -29,6 +29,10 @@ class WindowAnimation {
   /// Where the frame is going; none while it rests.
   std::optional<Rect> targetFrame() const;
 
+  /// What lies between the two, at that share of the way; also beyond them.
+  static double mix(double from, double to, double share);
+  static Rect mix(const Rect& from, const Rect& to, double share);
+
   /// The share of the way after that share of the time, both 0...1: the cubic curve with the
   /// control points (0, 0) and (0.58, 1).
   static double easeOut(double time);

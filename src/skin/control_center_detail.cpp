@@ -5,6 +5,7 @@
 
 #include "controlcenter/control_center_locator.h"
 #include "menubar/panel_placement.h"
+#include "menubar/window_animation.h"
 #include "platform/clock.h"
 #include "platform/workspace.h"
 #include "skin/detail_motion.h"
@@ -268,8 +269,8 @@ void ControlCenterDetail::tick() {
 void ControlCenterDetail::expand(double elapsed) {
   const double p = DetailMotion::expanding(elapsed);
   if (p <= DetailMotion::arrival) {
-    panel_->apply(DetailMotion::mix(fromRect_, toRect_, p),
-                  DetailMotion::mix(fromRadius_, toRadius_, p), p);
+    panel_->apply(WindowAnimation::mix(fromRect_, toRect_, p),
+                  WindowAnimation::mix(fromRadius_, toRadius_, p), p);
     return;
   }
   settle();
@@ -283,7 +284,7 @@ void ControlCenterDetail::expand(double elapsed) {
 void ControlCenterDetail::resize(double elapsed) {
   const double p = DetailMotion::resizing(elapsed);
   if (p <= DetailMotion::arrival) {
-    panel_->apply(DetailMotion::mix(fromRect_, toRect_, p), DetailPanel::panelRadius, 1);
+    panel_->apply(WindowAnimation::mix(fromRect_, toRect_, p), DetailPanel::panelRadius, 1);
     return;
   }
   settle();
@@ -305,8 +306,8 @@ void ControlCenterDetail::shrink(double elapsed) {
   }
   const double p = DetailMotion::collapsing(elapsed);
   if (p <= DetailMotion::arrival) {
-    panel_->apply(DetailMotion::mix(fromRect_, toRect_, p),
-                  DetailMotion::mix(fromRadius_, toRadius_, p), -p);
+    panel_->apply(WindowAnimation::mix(fromRect_, toRect_, p),
+                  WindowAnimation::mix(fromRadius_, toRadius_, p), -p);
     return;
   }
   panel_->apply(toRect_, toRadius_, -1);

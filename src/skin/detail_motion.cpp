@@ -50,9 +50,4 @@ double DetailMotion::detailAlpha(double progress) {
                                 : unit((progress - 0.02) / 0.1);
 }
 
-Rect DetailMotion::mix(const Rect& from, const Rect& to, double progress) {
-  return {mix(from.x, to.x, progress), mix(from.y, to.y, progress),
-          mix(from.width, to.width, progress), mix(from.height, to.height, progress)};
-}
-
 }  // namespace plemora

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "base/geometry.h"
-
 namespace plemora {
 
 /// How the detail panel moves: where it is after so many seconds of a phase, 0 at its start and 1
@@ -22,11 +20,6 @@ struct DetailMotion {
   /// module returns only when that is half gone.
   static double moduleAlpha(double progress);
   static double detailAlpha(double progress);
-
-  static Rect mix(const Rect& from, const Rect& to, double progress);
-  static double mix(double from, double to, double progress) {
-    return from + progress * (to - from);
-  }
 };
 
 }  // namespace plemora

@@ -13,17 +13,15 @@ struct ModuleGeometry {
   static constexpr double trackHeight = 4;
   static constexpr double shortestTrack = 20;
 
-  double inset = 0;     ///< left of the track
-  double trailing = 0;  ///< right of it, in a module that is wide enough
   Rect track;
   Rect hitArea;  ///< a press in it takes the slider
 
   static ModuleGeometry of(double moduleWidth, bool isWide, bool isHeadphones) {
+    const double inset = isHeadphones ? 37 : 34;
+    const double trailing = isWide ? (isHeadphones ? 49 : 77) : 16;
+    const double width = std::max(moduleWidth - inset - trailing, shortestTrack);
     ModuleGeometry result;
-    result.inset = isHeadphones ? 37 : 34;
-    result.trailing = isWide ? (isHeadphones ? 49 : 77) : 16;
-    const double width = std::max(moduleWidth - result.inset - result.trailing, shortestTrack);
-    result.track = {result.inset, trackY, width, trackHeight};
+    result.track = {inset, trackY, width, trackHeight};
     result.hitArea = {10, 28, result.track.maxX() + 20 - 10, 26};
     return result;
   }

@@ -11,8 +11,6 @@ namespace plemora {
 /// module, y down. All of them are empty where there are no two tiles side by side.
 class SeamShapes {
  public:
-  /// Of a module without a seam.
-  SeamShapes() = default;
   /// The tiles' rectangles from left to right, and the radius of their corners.
   SeamShapes(const Size& module, const std::vector<Rect>& pills, double cornerRadius);
 
