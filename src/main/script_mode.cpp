@@ -34,6 +34,9 @@ class NoApplications : public Workspace {
   }
   Image genericApplicationIcon() override { return {}; }
   bool openURL(const std::string& /*url*/) override { return false; }
+  [[nodiscard]] Subscription observeActivation(std::function<void(std::int32_t)>) override {
+    return {};
+  }
   bool forceTerminate(std::int32_t /*pid*/) override { return false; }
 };
 

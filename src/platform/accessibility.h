@@ -47,6 +47,9 @@ class Accessibility {
 
   /// Whether the user lets this program use them. Without it every attribute reads as none.
   virtual bool isTrusted() = 0;
+  /// As isTrusted(); without trust the system asks the user for it, in its own time and in a window
+  /// of its own (AXIsProcessTrustedWithOptions with kAXTrustedCheckOptionPrompt). Main thread.
+  virtual bool requestTrust() = 0;
   /// The element of a running application; never null, also for a process that is gone.
   virtual AccessibilityElementPointer application(std::int32_t pid) = 0;
   /// Reports those notifications of an application, such as "AXWindowCreated", on the main thread.

@@ -12,6 +12,8 @@ class Appearance {
   virtual ~Appearance() = default;
 
   virtual bool isDark() = 0;
+  /// Whether the user wants interfaces that keep still. Asked whenever something would move.
+  virtual bool reducesMotion() = 0;
   [[nodiscard]] virtual Subscription observe(std::function<void(bool isDark)> observer) = 0;
 };
 

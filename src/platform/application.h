@@ -42,6 +42,8 @@ class Application {
   virtual void setActivationPolicy(ActivationPolicy policy) = 0;
   virtual void setMainMenu(const std::vector<MainMenuSection>& menu) = 0;
   virtual std::vector<ApplicationWindow> windows() = 0;
+  /// Brings the program and its ordinary windows before everybody else's, whatever has the keys.
+  virtual void activate() = 0;
   /// Ends the program the orderly way, later in this turn of the main loop or in the next.
   virtual void terminate() = 0;
 };

@@ -13,6 +13,9 @@ class HostedView {
   /// when it does not know.
   virtual double fittingHeight() = 0;
 
+  /// How wide it wants to be, in points; 0: as wide as its window makes it.
+  virtual double fittingWidth() { return 0; }
+
   /// Called, later in the same turn of the main loop or in the next, whenever that height has
   /// changed.
   virtual void setHeightHandler(std::function<void(double height)> handler) = 0;

@@ -39,6 +39,20 @@ struct PanelWindowOptions {
   bool isDark = true;  ///< always in the dark appearance; otherwise the system's
 };
 
+/// What an ordinary window with a title bar and a button that closes it is from the start. As
+/// NSWindow's properties of the same names. It can be moved by its background, and keeps its size.
+struct TitledWindowOptions {
+  std::string identifier;
+  std::string title;
+  /// The content reaches below the title bar, of which nothing but the buttons is to be seen.
+  bool hasFullSizeContentView = true;
+  bool titlebarAppearsTransparent = true;
+  bool isTitleHidden = true;
+  bool isMovableByWindowBackground = true;
+  /// The user closes the window, which then goes off the screen and stays as it is.
+  std::function<void()> windowWillClose{};
+};
+
 enum class WindowOrder { front, frontRegardless, keyAndFront, out };
 
 /// One of several views in a window.
@@ -93,7 +107,8 @@ class PanelSurface {
   virtual bool isFlipped() = 0;
 };
 
-/// A borderless window. Frames in points of the global space, y up. Main thread.
+/// A window. Frames in points of the global space, y up; those of a window with a title bar are of
+/// its content. Main thread.
 class PanelWindow {
  public:
   virtual ~PanelWindow() = default;
@@ -121,6 +136,9 @@ class Windows {
   /// Never null; the window costs little until it is shown.
   [[nodiscard]] virtual std::unique_ptr<PanelWindow> makePanel(
       const PanelWindowOptions& options) = 0;
+  /// The same; only the desktop's own effects and one content are to be seen in it.
+  [[nodiscard]] virtual std::unique_ptr<PanelWindow> makeTitled(
+      const TitledWindowOptions& options) = 0;
 };
 
 }  // namespace plemora

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/image.h"
+#include "base/published.h"
 
 namespace plemora {
 
@@ -52,6 +54,11 @@ class Workspace {
   /// Opens a URL with whatever the desktop has for it. The links of the Mac's settings are mapped
   /// to the desktop's own. False when nothing could be started.
   virtual bool openURL(const std::string& url) = 0;
+
+  /// Reports every application that comes to the front. Nothing is reported where the desktop does
+  /// not tell.
+  [[nodiscard]] virtual Subscription observeActivation(
+      std::function<void(std::int32_t pid)> handler) = 0;
 
   /// Ends an application without asking it. False when it does not run or cannot be ended.
   virtual bool forceTerminate(std::int32_t pid) = 0;

@@ -29,6 +29,11 @@ class ScriptedAccessibility : public Accessibility {
   ~ScriptedAccessibility() override;
 
   bool isTrusted() override;
+  bool requestTrust() override {
+    ++trustRequests;
+    return isTrusted();
+  }
+  int trustRequests = 0;
   AccessibilityElementPointer application(std::int32_t pid) override;
   [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(
       std::int32_t pid, const std::vector<std::string>& notifications,

@@ -15,6 +15,9 @@ class ScriptedAppearance : public Appearance {
   /// The user chooses; observers hear of it at once.
   void setDark(bool isDark) { isDark_.set(isDark); }
 
+  bool wantsStillness = false;
+
+  bool reducesMotion() override { return wantsStillness; }
   bool isDark() override { return isDark_.get(); }
   [[nodiscard]] Subscription observe(std::function<void(bool isDark)> observer) override {
     return isDark_.subscribe(std::move(observer));

@@ -14,6 +14,7 @@ class ScriptedApplication : public Application {
   std::vector<MainMenuSection> mainMenu;
   int policyChanges = 0;
   int terminations = 0;
+  int activations = 0;
 
   ActivationPolicy activationPolicy() override { return policy; }
   void setActivationPolicy(ActivationPolicy value) override {
@@ -22,6 +23,7 @@ class ScriptedApplication : public Application {
   }
   void setMainMenu(const std::vector<MainMenuSection>& menu) override { mainMenu = menu; }
   std::vector<ApplicationWindow> windows() override { return openWindows; }
+  void activate() override { ++activations; }
   void terminate() override { ++terminations; }
 };
 

@@ -62,4 +62,18 @@ bool ScriptedWorkspace::forceTerminate(std::int32_t pid) {
   return true;
 }
 
+void ScriptedWorkspace::activate(std::int32_t pid) {
+  if (frontmost_.get() != pid) {
+    frontmost_.set(pid);
+  }
+}
+
+Subscription ScriptedWorkspace::observeActivation(std::function<void(std::int32_t pid)> handler) {
+  return frontmost_.subscribe([handler = std::move(handler)](std::int32_t pid) {
+    if (pid >= 0) {
+      handler(pid);
+    }
+  });
+}
+
 }  // namespace plemora

@@ -24,6 +24,12 @@ class ScriptedWorkspace : public Workspace {
   std::optional<std::int32_t> responsiblePid(std::int32_t pid) override;
   bool forceTerminate(std::int32_t pid) override;
   std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
+  void activate(std::int32_t pid);
+  /// Process identifier of the application in front; -1: none.
+  Published<std::int32_t>& frontmost() { return frontmost_; }
+
+  [[nodiscard]] Subscription observeActivation(
+      std::function<void(std::int32_t pid)> handler) override;
   Image genericApplicationIcon() override { return {"application-x-executable"}; }
   bool openURL(const std::string& url) override {
     openedURLs.push_back(url);
@@ -35,6 +41,7 @@ class ScriptedWorkspace : public Workspace {
   std::vector<std::string> openedURLs;
 
  private:
+  Published<std::int32_t> frontmost_{-1};
   std::vector<RunningApplication> running_;
   std::map<std::int32_t, std::int32_t> responsible_;
   std::map<std::string, InstalledApplication> installed_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace plemora {
 
@@ -47,8 +48,13 @@ void StageSurface::setLayer(std::shared_ptr<Layer> value) {
   ++layerUpdates;
 }
 
-StageWindow::StageWindow(StageWindows& owner, const PanelWindowOptions& windowOptions)
-    : options(windowOptions), number(owner.nextNumber()), owner_(&owner), surface_(owner.queue_) {}
+StageWindow::StageWindow(StageWindows& owner, const PanelWindowOptions& windowOptions,
+                         std::optional<TitledWindowOptions> titledOptions)
+    : options(windowOptions),
+      titled(std::move(titledOptions)),
+      number(owner.nextNumber()),
+      owner_(&owner),
+      surface_(owner.queue_) {}
 
 StageWindow::~StageWindow() {
   if (owner_ != nullptr) {
@@ -82,6 +88,15 @@ void StageWindow::pressed() {
   isKey = isKey || options.canBecomeKey;
 }
 
+void StageWindow::close() {
+  order(WindowOrder::out);
+  if (titled && titled->windowWillClose) {
+    // A copy, since the handler may end the window.
+    const auto willClose = titled->windowWillClose;
+    willClose();
+  }
+}
+
 std::optional<int> StageWindow::screen() {
   if (owner_ == nullptr || !isOnScreen_) {
     return std::nullopt;
@@ -113,7 +128,19 @@ std::vector<StageWindow*> StageWindows::visible() const {
 }
 
 std::unique_ptr<PanelWindow> StageWindows::makePanel(const PanelWindowOptions& options) {
-  auto window = std::make_unique<StageWindow>(*this, options);
+  return keep(std::make_unique<StageWindow>(*this, options));
+}
+
+std::unique_ptr<PanelWindow> StageWindows::makeTitled(const TitledWindowOptions& options) {
+  const PanelWindowOptions ordinary{.identifier = options.identifier,
+                                    .title = options.title,
+                                    .hasShadow = true,
+                                    .isMovable = true,
+                                    .isDark = false};
+  return keep(std::make_unique<StageWindow>(*this, ordinary, options));
+}
+
+std::unique_ptr<PanelWindow> StageWindows::keep(std::unique_ptr<StageWindow> window) {
   windows_.push_back(window.get());
   ++made_;
   return window;

@@ -56,13 +56,15 @@ class StageWindows;
 /// it may outlive its StageWindows.
 class StageWindow : public PanelWindow {
  public:
-  StageWindow(StageWindows& owner, const PanelWindowOptions& options);
+  StageWindow(StageWindows& owner, const PanelWindowOptions& options,
+              std::optional<TitledWindowOptions> titled = std::nullopt);
   ~StageWindow() override;
 
-  PanelWindowOptions options;       ///< as they are now
-  const std::int64_t number;        ///< never used again
-  std::vector<WindowOrder> orders;  ///< in order of their calls
-  std::vector<Rect> frames;         ///< every frame set, in order
+  PanelWindowOptions options;                       ///< as they are now
+  const std::optional<TitledWindowOptions> titled;  ///< none: it is a panel
+  const std::int64_t number;                        ///< never used again
+  std::vector<WindowOrder> orders;                  ///< in order of their calls
+  std::vector<Rect> frames;                         ///< every frame set, in order
   bool isKey = false;
 
   StageSurface& stageSurface() { return surface_; }
@@ -70,6 +72,13 @@ class StageWindow : public PanelWindow {
   std::int64_t forwardOrder() const { return forwardOrder_; }
   /// The user presses into it: it comes forward among its level, and takes the keys if it can.
   void pressed();
+  /// The user closes it.
+  void close();
+
+  /// In a window with a title bar: the button that closes it, and what it can be moved by; y down
+  /// from the window's top left corner.
+  static constexpr Rect closeButton{13, 13, 14, 14};
+  static constexpr double titleBarHeight = 40;
 
   Rect frame() override { return frame_; }
   void setFrame(const Rect& frame) override;
@@ -113,10 +122,13 @@ class StageWindows : public Windows {
   std::function<std::int64_t()> nextNumber = [last = std::int64_t{0}]() mutable { return ++last; };
 
   [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
+  [[nodiscard]] std::unique_ptr<PanelWindow> makeTitled(
+      const TitledWindowOptions& options) override;
 
  private:
   friend class StageWindow;
 
+  std::unique_ptr<PanelWindow> keep(std::unique_ptr<StageWindow> window);
   void bringForward(StageWindow* window);
 
   MainQueue& queue_;

@@ -17,7 +17,21 @@ GlassWindows::~GlassWindows() {
 }
 
 std::unique_ptr<PanelWindow> GlassWindows::makePanel(const PanelWindowOptions& options) {
-  auto window = std::make_unique<GlassWindow>(*this, inner_.makePanel(options), options);
+  return keep(std::make_unique<GlassWindow>(*this, inner_.makePanel(options), options));
+}
+
+std::unique_ptr<PanelWindow> GlassWindows::makeTitled(const TitledWindowOptions& options) {
+  const PanelWindowOptions ordinary{.identifier = options.identifier,
+                                    .title = options.title,
+                                    .hasShadow = true,
+                                    .isMovable = true,
+                                    .isDark = false};
+  auto window = std::make_unique<GlassWindow>(*this, inner_.makeTitled(options), ordinary);
+  window->isTitled = true;
+  return keep(std::move(window));
+}
+
+std::unique_ptr<PanelWindow> GlassWindows::keep(std::unique_ptr<GlassWindow> window) {
   windows_.push_back(window.get());
   return window;
 }

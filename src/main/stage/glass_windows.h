@@ -25,6 +25,8 @@ class GlassWindows : public Windows {
   GlassWindows& operator=(const GlassWindows&) = delete;
 
   [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
+  [[nodiscard]] std::unique_ptr<PanelWindow> makeTitled(
+      const TitledWindowOptions& options) override;
 
   /// The one that stands before that window of the stage; null: it was made elsewhere.
   GlassWindow* before(const PanelWindow* inner) const;
@@ -36,6 +38,8 @@ class GlassWindows : public Windows {
 
  private:
   friend class GlassWindow;
+
+  std::unique_ptr<PanelWindow> keep(std::unique_ptr<GlassWindow> window);
 
   Windows& inner_;
   MainQueue& queue_;
@@ -51,6 +55,7 @@ class GlassWindow : public PanelWindow, private PanelSurface {
   ~GlassWindow() override;
 
   const PanelWindowOptions& options() const { return options_; }
+  bool isTitled = false;
   GlassView& glass() { return *glass_; }
   /// A view in it, and where: in points of the window, y down.
   struct Content {

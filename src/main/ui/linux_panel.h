@@ -42,6 +42,10 @@ class LinuxPanel : public Panel {
         const PanelWindowOptions& options) override {
       return parts_->windows().makePanel(options);
     }
+    [[nodiscard]] std::unique_ptr<PanelWindow> makeTitled(
+        const TitledWindowOptions& options) override {
+      return parts_->windows().makeTitled(options);
+    }
 
    private:
     std::unique_ptr<PanelParts>& parts_;

@@ -36,6 +36,10 @@ class LinuxWorkspace : public Workspace {
   std::optional<InstalledApplication> installedApplication(const std::string& bundleID) override;
   Image genericApplicationIcon() override;
   bool openURL(const std::string& url) override;
+  /// There is no way to tell that every desktop has.
+  [[nodiscard]] Subscription observeActivation(std::function<void(std::int32_t)>) override {
+    return {};
+  }
   bool forceTerminate(std::int32_t pid) override;
 
  private:

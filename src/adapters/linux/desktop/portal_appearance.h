@@ -20,6 +20,8 @@ class PortalAppearance : public QObject, public Appearance {
  public:
   explicit PortalAppearance(QDBusConnection bus);
 
+  /// Not asked for yet: false.
+  bool reducesMotion() override { return false; }
   bool isDark() override { return isDark_.get(); }
   [[nodiscard]] Subscription observe(std::function<void(bool isDark)> observer) override;
 

@@ -73,6 +73,10 @@ std::unique_ptr<PanelWindow> LinuxPanels::makePanel(const PanelWindowOptions& op
   return parts_->windows->makePanel(options);
 }
 
+std::unique_ptr<PanelWindow> LinuxPanels::makeTitled(const TitledWindowOptions& options) {
+  return parts_->windows->makeTitled(options);
+}
+
 BackdropSource& LinuxPanels::backdrop() {
   return parts_->backdrop();
 }

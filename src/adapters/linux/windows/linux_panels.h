@@ -21,6 +21,8 @@ class LinuxPanels : public Windows {
   LinuxPanels& operator=(const LinuxPanels&) = delete;
 
   [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
+  [[nodiscard]] std::unique_ptr<PanelWindow> makeTitled(
+      const TitledWindowOptions& options) override;
   BackdropSource& backdrop();
 
  private:

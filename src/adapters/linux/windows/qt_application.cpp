@@ -13,6 +13,15 @@ std::vector<ApplicationWindow> QtApplication::windows() {
   return result;
 }
 
+void QtApplication::activate() {
+  for (QWindow* window : QGuiApplication::topLevelWindows()) {
+    if (window->isVisible() && (window->flags() & Qt::FramelessWindowHint) == 0) {
+      window->raise();
+      window->requestActivate();
+    }
+  }
+}
+
 void QtApplication::terminate() {
   // Not quit(): the panel's window refuses to be closed, and so to let the program end.
   QMetaObject::invokeMethod(

@@ -17,6 +17,7 @@ class QtApplication : public Application {
   void setActivationPolicy(ActivationPolicy policy) override { policy_ = policy; }
   void setMainMenu(const std::vector<MainMenuSection>&) override {}
   std::vector<ApplicationWindow> windows() override;
+  void activate() override;
   void terminate() override;
 
  private:

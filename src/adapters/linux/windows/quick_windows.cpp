@@ -109,4 +109,12 @@ std::unique_ptr<PanelWindow> QuickWindows::makePanel(const PanelWindowOptions& o
   return std::make_unique<QuickPanel>(options, queue_, screens_, backdrop_, makeHost_);
 }
 
+std::unique_ptr<PanelWindow> QuickWindows::makeTitled(const TitledWindowOptions& options) {
+  PanelWindowOptions panel;
+  panel.identifier = options.identifier;
+  panel.title = options.title;
+  panel.isDark = false;
+  return std::make_unique<QuickPanel>(panel, queue_, screens_, backdrop_, makeHost_);
+}
+
 }  // namespace plemora

@@ -19,6 +19,8 @@ class QuickWindows : public Windows {
                PanelHostFactory makeHost);
 
   [[nodiscard]] std::unique_ptr<PanelWindow> makePanel(const PanelWindowOptions& options) override;
+  [[nodiscard]] std::unique_ptr<PanelWindow> makeTitled(
+      const TitledWindowOptions& options) override;
 
  private:
   MainQueue& queue_;

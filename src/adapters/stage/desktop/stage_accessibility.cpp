@@ -70,6 +70,7 @@ StageAccessibility::~StageAccessibility() = default;
 
 void StageAccessibility::setTrusted(bool isTrusted) {
   state_->isTrusted = isTrusted;
+  isAsking_ = isAsking_ && !isTrusted;
 }
 
 void StageAccessibility::setBeforeCall(std::function<void(int call)> beforeCall) {
@@ -89,6 +90,11 @@ void StageAccessibility::setApplication(std::int32_t pid, AccessibilityElementPo
 }
 
 bool StageAccessibility::isTrusted() {
+  return state_->isTrusted;
+}
+
+bool StageAccessibility::requestTrust() {
+  isAsking_ = isAsking_ || !state_->isTrusted;
   return state_->isTrusted;
 }
 

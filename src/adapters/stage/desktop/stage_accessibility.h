@@ -29,7 +29,13 @@ class StageAccessibility : public Accessibility {
   /// The elements of a process are these, until none is given.
   void setApplication(std::int32_t pid, AccessibilityElementPointer element);
 
+  /// Whether the user is being asked for trust.
+  bool isAsking() const { return isAsking_; }
+  /// The user has seen the question.
+  void endAsking() { isAsking_ = false; }
+
   bool isTrusted() override;
+  bool requestTrust() override;
   AccessibilityElementPointer application(std::int32_t pid) override;
   /// Refused without trust, and for a process that has no elements.
   [[nodiscard]] std::unique_ptr<AccessibilityObserver> observe(
@@ -47,6 +53,7 @@ class StageAccessibility : public Accessibility {
 
   std::shared_ptr<State> state_;
   ObserverList observers_;
+  bool isAsking_ = false;
 };
 
 }  // namespace plemora

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ranges>
+#include <utility>
 
 namespace plemora {
 
@@ -58,6 +59,15 @@ std::vector<ApplicationWindow> StageProgram::windows() {
   return result;
 }
 
+void StageProgram::activate() {
+  workspace_.activate(pid_);
+  for (StageWindow* window : windows_.visible()) {
+    if (window->titled) {
+      window->pressed();
+    }
+  }
+}
+
 void StageProgram::terminate() {
   if (onTerminate) {
     onTerminate();
@@ -80,10 +90,44 @@ void StageProgram::appendWindows(std::vector<StageWindowRecord>& windows) {
   }
 }
 
+/// Whether the event is for the title bar.
+bool StageProgram::movesWindow(StageWindow& window, const StagePointerEvent& event) {
+  switch (event.phase) {
+    case StagePointerEvent::Phase::pressed:
+      if (StageWindow::closeButton.contains(event.position)) {
+        window.close();
+        return true;
+      }
+      if (event.position.y < StageWindow::titleBarHeight) {
+        grip_ = event.position;
+        return true;
+      }
+      return false;
+    case StagePointerEvent::Phase::dragged:
+      if (grip_) {
+        Rect frame = window.frame();
+        frame.x = event.location.x - grip_->x;
+        frame.y = event.location.y + grip_->y - frame.height;
+        window.setFrame(frame);
+      }
+      return grip_.has_value();
+    case StagePointerEvent::Phase::released:
+      return std::exchange(grip_, std::nullopt).has_value();
+    default:
+      return false;
+  }
+}
+
 void StageProgram::pointer(const StageWindowRecord& window, const StagePointerEvent& event) {
   StageWindow& shown = *std::get<StageWindow*>(window.model);
   if (event.phase == StagePointerEvent::Phase::pressed) {
     shown.pressed();
+    if (shown.titled) {
+      workspace_.activate(pid_);
+    }
+  }
+  if (shown.titled && movesWindow(shown, event)) {
+    return;
   }
   using Phase = StagePointerEvent::Phase;
   const Target target =

@@ -43,6 +43,7 @@ class StageProgram : public Application, public StageWindowOwner {
   void setActivationPolicy(ActivationPolicy policy) override;
   void setMainMenu(const std::vector<MainMenuSection>& menu) override { mainMenu_ = menu; }
   std::vector<ApplicationWindow> windows() override;
+  void activate() override;
   void terminate() override;
 
   void appendWindows(std::vector<StageWindowRecord>& windows) override;
@@ -67,6 +68,9 @@ class StageProgram : public Application, public StageWindowOwner {
 
   StageWorkspace& workspace_;
   StageWindows& windows_;
+  bool movesWindow(StageWindow& window, const StagePointerEvent& event);
+
+  std::optional<Point> grip_;          // of a title bar, from the window's origin
   std::weak_ptr<HostedView> pointed_;  // that the pointer is over, or that it was pressed in
   std::int32_t pid_ = -1;
   std::string name_;

@@ -6,8 +6,8 @@ namespace plemora {
 
 StageWorkspace::StageWorkspace() {
   onForceTerminate = [this](const RunningApplication& application) {
-    if (frontmost_.get() == application.pid) {
-      frontmost_.set(-1);
+    if (frontmost().get() == application.pid) {
+      frontmost().set(-1);
     }
     const auto found = handlers_.find(application.pid);
     if (found != handlers_.end()) {
@@ -32,14 +32,8 @@ void StageWorkspace::onTerminated(std::int32_t pid, std::function<void()> handle
 void StageWorkspace::exit(std::int32_t pid) {
   handlers_.erase(pid);
   quit(pid);
-  if (frontmost_.get() == pid) {
-    frontmost_.set(-1);
-  }
-}
-
-void StageWorkspace::activate(std::int32_t pid) {
-  if (frontmost_.get() != pid) {
-    frontmost_.set(pid);
+  if (frontmost().get() == pid) {
+    frontmost().set(-1);
   }
 }
 

@@ -6,7 +6,6 @@
 #include <string>
 
 #include "adapters/stage/scripted_workspace.h"
-#include "base/published.h"
 
 namespace plemora {
 
@@ -23,10 +22,6 @@ class StageWorkspace : public ScriptedWorkspace {
   /// It ends by itself, and its handler is not told.
   void exit(std::int32_t pid);
 
-  void activate(std::int32_t pid);
-  /// Process identifier of the application in front; -1: none.
-  Published<std::int32_t>& frontmost() { return frontmost_; }
-
   /// What opens links whose part before the first ":" is the scheme.
   void handleScheme(const std::string& scheme, std::function<bool(const std::string& url)> handler);
   /// Keeps the URL, and opens it if its scheme is handled.
@@ -34,7 +29,6 @@ class StageWorkspace : public ScriptedWorkspace {
 
  private:
   std::int32_t nextPid_ = 300;
-  Published<std::int32_t> frontmost_{-1};
   std::map<std::int32_t, std::function<void()>> handlers_;
   std::map<std::string, std::function<bool(const std::string&)>> schemes_;
 };
