@@ -76,6 +76,13 @@ void GlassWindow::change() {
   }
 }
 
+void GlassWindow::setFrame(const Rect& frame) {
+  inner_->setFrame(frame);
+  if (isTitled) {
+    setContainer({0, 0, frame.width, frame.height}, titledRadius);
+  }
+}
+
 void GlassWindow::order(WindowOrder order) {
   inner_->order(order);
   glass_->setInWindow(inner_->isOnScreen());

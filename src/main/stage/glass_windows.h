@@ -55,7 +55,9 @@ class GlassWindow : public PanelWindow, private PanelSurface {
   ~GlassWindow() override;
 
   const PanelWindowOptions& options() const { return options_; }
+  /// It has a title bar, which the desktop draws over it, and round corners.
   bool isTitled = false;
+  static constexpr double titledRadius = 12;
   GlassView& glass() { return *glass_; }
   /// A view in it, and where: in points of the window, y down.
   struct Content {
@@ -72,7 +74,7 @@ class GlassWindow : public PanelWindow, private PanelSurface {
   void drawn() { isStale_ = false; }
 
   Rect frame() override { return inner_->frame(); }
-  void setFrame(const Rect& frame) override { inner_->setFrame(frame); }
+  void setFrame(const Rect& frame) override;
   double alpha() override { return inner_->alpha(); }
   void setAlpha(double alpha) override { inner_->setAlpha(alpha); }
   void order(WindowOrder order) override;

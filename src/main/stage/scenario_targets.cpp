@@ -97,7 +97,12 @@ Rect promptFrame(const std::string& name, const StagePrompt& prompt) {
   if (!prompt.isOpen()) {
     throw ScenarioError("nobody asks for consent");
   }
-  const std::size_t index = indexOf(name, {"Allow", "Don't Allow"}, "the button");
+  // As a keyboard types it.
+  std::string deny = prompt.denyTitle();
+  if (const auto apostrophe = deny.find("’"); apostrophe != deny.npos) {
+    deny.replace(apostrophe, std::string_view("’").size(), "'");
+  }
+  const std::size_t index = indexOf(name, {prompt.allowTitle(), deny}, "the button");
   return index == 0 ? prompt.allowButton() : prompt.denyButton();
 }
 

@@ -10,6 +10,7 @@
 #include "glass/outline.h"
 #include "main/stage/desktop_drawing.h"
 #include "main/stage/drawing_painter.h"
+#include "main/stage/drawing_parts.h"
 #include "main/stage/stage_glass.h"
 
 namespace plemora {
@@ -17,6 +18,13 @@ namespace plemora {
 namespace {
 
 constexpr double pointerSide = 22;
+constexpr double draggedSide = 48;  // of a file that the pointer takes along
+constexpr double draggedAlpha = 0.8;
+constexpr double titledRadius = GlassWindow::titledRadius;
+// No window has them: those of what belongs to a window are that much less than the window's own,
+// made negative.
+constexpr std::int64_t numberOfShadow = -1'000'000;
+constexpr std::int64_t numberOfButtons = -2'000'000'000;
 
 /// The container's outline, in pixels.
 QPainterPath pathOf(const RoundedRect& container, double scale) {
@@ -132,13 +140,43 @@ std::vector<StageCompositor::Sheet> StageCompositor::sheets() {
       continue;
     }
     Sheet sheet{record->number, {}, record->alpha, {}, nullptr};
-    if (const auto* window = std::get_if<StageWindow*>(&record->model)) {
-      sheet.window = windows_.before(*window);
-      sheet.frame = desktop_.space.flipped(record->frame);
-    } else {
+    const auto* window = std::get_if<StageWindow*>(&record->model);
+    if (window == nullptr) {
       sheet.drawing = drawingOf(*record, desktop_);
+      sheets.push_back(std::move(sheet));
+      continue;
     }
+    sheet.window = windows_.before(*window);
+    sheet.frame = desktop_.space.flipped(record->frame);
+    if (!(*window)->titled) {
+      sheets.push_back(std::move(sheet));
+      continue;
+    }
+    // What the desktop adds to such a window lies below and above what the program shows in it.
+    const Rect frame = sheet.frame;
+    sheets.push_back({numberOfShadow - record->number,
+                      {},
+                      record->alpha,
+                      {ShadowMark{frame, titledRadius, 26, 10, 0.42}},
+                      nullptr});
     sheets.push_back(std::move(sheet));
+    Drawing buttons;
+    const Rect& close = StageWindow::closeButton;
+    addWindowButtons(buttons, close.offset(frame.x, frame.y));
+    sheets.push_back(
+        {numberOfButtons - record->number, {}, record->alpha, std::move(buttons), nullptr});
+  }
+  if (desktop_.fileDrag.path()) {
+    const Point tip = desktop_.space.flipped(desktop_.input.pointerLocation());
+    const std::string& name = desktop_.program.name();
+    sheets.push_back(
+        {-2,
+         {},
+         draggedAlpha,
+         {AppIconMark{{tip.x - draggedSide / 2, tip.y - draggedSide / 2, draggedSide, draggedSide},
+                      name,
+                      symbolOfApp(name)}},
+         nullptr});
   }
   if (showsPointer_) {
     const Point tip = desktop_.space.flipped(desktop_.input.pointerLocation());

@@ -28,8 +28,11 @@ StageDesktop::StageDesktop(PreferencePair preferencePair, const StageDesktopOpti
                 program, controlCenter}),
       dock(screens, workspace, program, numbers),
       players(hal, workspace, numbers),
-      prompt(consent, screens, program, numbers),
-      input(windowServer, [this] { return program.pid(); }) {
+      prompt({consent, accessibility, screens, program, settings}, numbers),
+      input(windowServer, [this] { return program.pid(); }),
+      fileDrag(input, [this](const Point& location, const std::string& path) {
+        return drop(location, path);
+      }) {
   windows.nextNumber = [this] { return numbers.next(); };
   screens.set({makeScreen(1, {0, 0, 1440, 900}, 2, true)});
   // The menu bar comes first: a menu that is open takes presses before everybody else.
@@ -156,6 +159,11 @@ bool StageDesktop::clickMenuItem(const std::string& title) {
   const Rect frame = menuBar.menu().itemFrame(static_cast<std::size_t>(found - titles.begin()));
   click({frame.midX(), frame.midY()});
   return true;
+}
+
+bool StageDesktop::drop(const Point& location, const std::string& path) {
+  const auto hit = windowServer.hit(location);
+  return hit && hit->kind == StageWindowKind::settings && settings.drop(path);
 }
 
 bool StageDesktop::pull(const std::string& uid) {

@@ -7,6 +7,7 @@
 #include "adapters/stage/desktop/stage_control_center.h"
 #include "adapters/stage/desktop/stage_dock.h"
 #include "adapters/stage/desktop/stage_extensions.h"
+#include "adapters/stage/desktop/stage_file_drag.h"
 #include "adapters/stage/desktop/stage_input.h"
 #include "adapters/stage/desktop/stage_menu_bar.h"
 #include "adapters/stage/desktop/stage_players.h"
@@ -97,6 +98,7 @@ class StageDesktop {
   StagePrompt prompt;
   StageWindowServer windowServer{screens};
   StageInput input;
+  StageFileDrag fileDrag;
 
   /// Lets that many seconds pass: timers, frames, fades and sound, each at its time.
   void advance(double seconds);
@@ -126,6 +128,7 @@ class StageDesktop {
 
  private:
   void runAudio();
+  bool drop(const Point& location, const std::string& path);
 
   Timer audio_;
 };

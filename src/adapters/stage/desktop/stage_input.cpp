@@ -108,12 +108,14 @@ void StageInput::release(StageButton button) {
   pressedButtons &= ~bit(button);
   const auto grabbed = std::exchange(grabbed_, std::nullopt);
   const auto window = grabbed && !wasSwallowed_ ? current(grabbed->number) : std::nullopt;
-  if (button == StageButton::left &&
-      !passesMonitors({InputEventType::leftMouseUp, 0, pointer}, grabbed && isProgram(*grabbed))) {
-    return;
-  }
-  if (window) {
+  const bool isSeen =
+      button != StageButton::left ||
+      passesMonitors({InputEventType::leftMouseUp, 0, pointer}, grabbed && isProgram(*grabbed));
+  if (isSeen && window) {
     deliver(*window, StagePointerEvent::Phase::released, button);
+  }
+  if (button == StageButton::left && onReleased) {
+    onReleased();
   }
 }
 

@@ -19,6 +19,9 @@ class StageInput : public ScriptedInputEvents {
   StageInput(StageWindowServer& server, std::function<std::int32_t()> programPid)
       : server_(server), programPid_(std::move(programPid)) {}
 
+  /// Called once the left button is up, and everybody knows.
+  std::function<void()> onReleased;
+
   void movePointer(const Point& location);
   void press(StageButton button = StageButton::left);
   void release(StageButton button = StageButton::left);

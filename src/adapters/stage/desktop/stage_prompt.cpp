@@ -1,29 +1,54 @@
 #include "adapters/stage/desktop/stage_prompt.h"
 
+#include "adapters/stage/desktop/stage_accessibility.h"
 #include "adapters/stage/desktop/stage_program.h"
+#include "adapters/stage/desktop/stage_settings.h"
 #include "adapters/stage/scripted_consent.h"
 
 namespace plemora {
 
+bool StagePrompt::isAboutAudio() const {
+  return services_.consent.openRequests() > 0;
+}
+
 bool StagePrompt::isOpen() const {
-  return consent_.openRequests() > 0 && !screens_.screens().get().empty();
+  return (isAboutAudio() || services_.accessibility.isAsking()) &&
+         !services_.screens.screens().get().empty();
 }
 
 std::string StagePrompt::text() const {
-  return "“" + program_.name() + "” would like to record this computer’s audio.";
+  return "“" + services_.program.name() +
+         (isAboutAudio() ? "” would like to record this computer’s audio."
+                         : "” would like to control this computer using accessibility features.");
+}
+
+std::string StagePrompt::allowTitle() const {
+  return isAboutAudio() ? "Allow" : "Open Settings";
+}
+
+std::string StagePrompt::denyTitle() const {
+  return isAboutAudio() ? "Don’t Allow" : "Deny";
 }
 
 void StagePrompt::answer(bool isAllowed) {
-  if (isOpen()) {
-    consent_.decide(isAllowed);
+  if (!isOpen()) {
+    return;
+  }
+  if (isAboutAudio()) {
+    services_.consent.decide(isAllowed);
+    return;
+  }
+  services_.accessibility.endAsking();
+  if (isAllowed) {
+    services_.settings.show(StageSettings::Pane::accessibility);
   }
 }
 
 Rect StagePrompt::frame() const {
-  if (screens_.screens().get().empty()) {
+  if (services_.screens.screens().get().empty()) {
     return {};
   }
-  const Rect& screen = screens_.screens().get()[0].frame;
+  const Rect& screen = services_.screens.screens().get()[0].frame;
   return {screen.midX() - width / 2, screen.midY() - height / 2 + 80, width, height};
 }
 

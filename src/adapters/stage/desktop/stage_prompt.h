@@ -9,22 +9,35 @@
 namespace plemora {
 
 class ScriptedConsent;
+class StageAccessibility;
 class StageProgram;
+class StageSettings;
 
-/// The system's question whether the program may record audio: on screen while a request for
-/// consent is open. Main thread; what it is given outlives it.
+/// What the system's questions stand on. All of it outlives them.
+struct StagePromptServices {
+  ScriptedConsent& consent;
+  StageAccessibility& accessibility;
+  Screens& screens;
+  StageProgram& program;
+  StageSettings& settings;
+};
+
+/// The system's questions: whether the program may record audio, while a request for consent is
+/// open, and whether it may use accessibility, which the user decides in System Settings. One at a
+/// time. Main thread.
 class StagePrompt : public StageWindowOwner {
  public:
   static constexpr int windowLevel = 8;  ///< kCGModalPanelWindowLevel
   static constexpr double width = 260;
   static constexpr double height = 200;
 
-  StagePrompt(ScriptedConsent& consent, Screens& screens, StageProgram& program,
-              StageWindowNumbers& numbers)
-      : consent_(consent), screens_(screens), program_(program), number_(numbers.next()) {}
+  StagePrompt(const StagePromptServices& services, StageWindowNumbers& numbers)
+      : services_(services), number_(numbers.next()) {}
 
   bool isOpen() const;
   std::string text() const;
+  std::string allowTitle() const;
+  std::string denyTitle() const;
   void answer(bool isAllowed);
 
   Rect frame() const;        ///< global, y up
@@ -35,9 +48,9 @@ class StagePrompt : public StageWindowOwner {
   void pointer(const StageWindowRecord& window, const StagePointerEvent& event) override;
 
  private:
-  ScriptedConsent& consent_;
-  Screens& screens_;
-  StageProgram& program_;
+  bool isAboutAudio() const;
+
+  const StagePromptServices services_;
   std::int64_t number_;
 };
 

@@ -151,6 +151,12 @@ bool StageSettings::setRow(const std::string& title, bool isOn) {
   return true;
 }
 
+bool StageSettings::drop(const std::string& path) {
+  const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
+  return (pane_ == Pane::audioCapture || pane_ == Pane::accessibility) &&
+         setRow(std::string(name.substr(0, name.rfind(".app"))), true);
+}
+
 Rect StageSettings::closeButton() const {
   return {frame_.minX() + 19, frame_.maxY() - 33, 14, 14};
 }

@@ -65,6 +65,8 @@ class StageSettings : public StageWindowOwner {
   std::vector<Row> rows() const;
   /// The user sets it. False when the pane has no such row.
   bool setRow(const std::string& title, bool isOn);
+  /// The user drops a program onto its window. False when the pane keeps no list of programs.
+  bool drop(const std::string& path);
 
   const Rect& frame() const { return frame_; }  ///< global, y up
   Rect closeButton() const;                     ///< global, y up
