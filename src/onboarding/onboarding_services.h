@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -41,6 +42,7 @@ struct OnboardingServices {
   SystemInfo& system;
   FileDrag& fileDrag;
   OnboardingContents contents;
+  std::int32_t ownPid = -1;  ///< process identifier of the program
 };
 
 }  // namespace plemora
