@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <map>
 
 #include "base/geometry.h"
@@ -17,6 +18,9 @@ enum class StepStatus {
 
 /// In the order in which they are shown.
 enum class SetupStep { audio, accessibility, controlCenter, soundIcon };
+
+inline constexpr std::array<SetupStep, 4> setupSteps{
+    SetupStep::audio, SetupStep::accessibility, SetupStep::controlCenter, SetupStep::soundIcon};
 
 /// How far setup has come. Main thread.
 struct SetupState {
@@ -41,6 +45,20 @@ struct SetupState {
         break;
     }
     return soundIcon;
+  }
+
+  StepStatus statusOf(SetupStep step) const {
+    switch (step) {
+      case SetupStep::audio:
+        return audio.get();
+      case SetupStep::accessibility:
+        return accessibility.get();
+      case SetupStep::controlCenter:
+        return controlCenter.get();
+      case SetupStep::soundIcon:
+        break;
+    }
+    return soundIcon.get();
   }
 
   /// All four, also those that are not offered: who does not offer a step says that it is done.
