@@ -1,0 +1,258 @@
+#include "onboarding/desktop_setup.h"
+
+#include <cmath>
+#include <utility>
+
+#include "app/services/launch_at_login.h"
+#include "platform/application.h"
+#include "platform/login_item.h"
+#include "platform/screens.h"
+#include "platform/user_defaults.h"
+
+namespace plemora {
+
+namespace {
+
+constexpr double usualWidth = 480;  // points
+constexpr double usualHeight = 460;
+
+const std::string audioId = "audio";
+const std::string loginItemId = "loginItem";
+const std::string trayIconId = "trayIcon";
+
+SetupCard cardOf(const std::string& id, const std::string& title, const std::string& line,
+                 StepStatus status) {
+  SetupCard card;
+  card.id = id;
+  card.title = title;
+  card.line = line;
+  card.status = status;
+  return card;
+}
+
+bool isSet(UserDefaults& defaults, const char* key) {
+  return defaults.boolean(key).value_or(false);
+}
+
+}  // namespace
+
+DesktopSetup::DesktopSetup(DesktopSetupServices services)
+    : services_(std::move(services)), permission_(services_.consent, services_.mainQueue) {
+  // There is nobody to ask for trust, no Control Center, and no icon of the system's to hide.
+  state_.supportsControlCenter.set(false);
+  for (const SetupStep step :
+       {SetupStep::accessibility, SetupStep::controlCenter, SetupStep::soundIcon}) {
+    state_.status(step).set(StepStatus::done);
+  }
+  view_.onButton = [this](const std::string& id) {
+    if (id == loginItemId) {
+      startAtLogin();
+    } else if (id == trayIconId) {
+      trayIcon_ = StepStatus::done;
+    }
+    refresh();
+  };
+  view_.onSkip = [this](const std::string& id) {
+    if (id == loginItemId) {
+      skipLoginItem();
+    }
+    refresh();
+  };
+  view_.onShow = [this] {
+    finish();
+    if (onShowPanel) {
+      onShowPanel();
+    }
+  };
+  view_.onFinish = [this] { finish(); };
+}
+
+DesktopSetup::~DesktopSetup() = default;
+
+bool DesktopSetup::wasCompleted() const {
+  return isSet(services_.defaults, completeKey);
+}
+
+bool DesktopSetup::isShown() const {
+  return window_ && window_->isOnScreen();
+}
+
+bool DesktopSetup::show() {
+  if (!isShown()) {
+    letGo_.reset();
+    // Who opens it again wants to see again what was put aside before.
+    isLoginItemSkipped_ = !wasCompleted() && isSet(services_.defaults, skippedLoginItemKey);
+    trayIcon_ = StepStatus::pending;
+    isTrayIconHidden_ = false;
+    loginItemProblem_.clear();
+    refresh();
+    if (!window_ && !makeWindow()) {
+      return false;
+    }
+    content_->setVisible(true);
+    poll_ = services_.mainQueue.every(pollInterval, [this] { refresh(); });
+  }
+  window_->order(WindowOrder::keyAndFront);
+  services_.application.activate();
+  return true;
+}
+
+void DesktopSetup::finish() {
+  poll_.reset();
+  if (!window_) {
+    return;
+  }
+  content_->setVisible(false);
+  window_->order(WindowOrder::out);
+  letGo_ = services_.mainQueue.after(0, [this] {
+    window_.reset();
+    content_.reset();
+  });
+}
+
+bool DesktopSetup::makeWindow() {
+  content_ = services_.makeContent(view_);
+  if (!content_) {
+    return false;
+  }
+  TitledWindowOptions options;
+  options.identifier = "setup";
+  options.title = "Set Up Plemora";
+  options.windowWillClose = [this] { finish(); };
+  window_ = services_.windows.makeTitled(options);
+  window_->surface().setContent(content_);
+  const double height = content_->fittingHeight();
+  placeWindow(height > 0 ? height : usualHeight);
+  content_->setHeightHandler([this](double wanted) { resize(wanted); });
+  return true;
+}
+
+void DesktopSetup::placeWindow(double height) {
+  const double fitting = content_->fittingWidth();
+  const double width = fitting > 0 ? fitting : usualWidth;
+  const auto& screens = services_.screens.screens().get();
+  const Rect room = screens.empty() ? Rect{0, 0, width, height} : screens.front().visibleFrame;
+  // Two parts of three below, where the eye expects the middle.
+  window_->setFrame({std::round(room.x + (room.width - width) / 2),
+                     std::round(room.y + (room.height - height) * 2 / 3), width, height});
+}
+
+void DesktopSetup::resize(double height) {
+  if (window_ && height > 0) {
+    const Rect now = window_->frame();
+    window_->setFrame({now.x, now.maxY() - height, now.width, height});
+  }
+}
+
+void DesktopSetup::refresh() {
+  state_.audio.set(permission_.status() == AudioPermission::Status::granted ? StepStatus::done
+                                                                            : StepStatus::active);
+  refreshLoginItem();
+  refreshTrayIcon();
+  if (isComplete() && !wasCompleted()) {
+    services_.defaults.setBoolean(completeKey, true);
+  }
+  if (SetupPage now = page(); now != view_.page.get()) {
+    view_.page.set(std::move(now));
+  }
+}
+
+void DesktopSetup::refreshLoginItem() {
+  const bool isDone = isLoginItemSkipped_ || isSet(services_.defaults, LaunchAtLogin::key);
+  loginItem_ = isDone ? StepStatus::done : StepStatus::active;
+}
+
+void DesktopSetup::refreshTrayIcon() {
+  if (const auto isShown = services_.showsTrayIcon(); isShown && *isShown) {
+    trayIcon_ = StepStatus::done;
+  } else if (isShown && trayIcon_ != StepStatus::done) {
+    trayIcon_ = StepStatus::active;
+    isTrayIconHidden_ = true;
+  }
+}
+
+void DesktopSetup::startAtLogin() {
+  loginItemProblem_ = services_.loginItem.enable().value_or("");
+  if (loginItemProblem_.empty()) {
+    services_.defaults.setBoolean(LaunchAtLogin::key, true);
+    services_.defaults.remove(skippedLoginItemKey);
+    isLoginItemSkipped_ = false;
+  }
+}
+
+void DesktopSetup::skipLoginItem() {
+  services_.defaults.setBoolean(skippedLoginItemKey, true);
+  isLoginItemSkipped_ = true;
+}
+
+bool DesktopSetup::isComplete() const {
+  return state_.isComplete() && loginItem_ == StepStatus::done && trayIcon_ == StepStatus::done;
+}
+
+SetupPage DesktopSetup::page() const {
+  SetupPage page;
+  page.title = "Set Up Plemora";
+  page.line = "A volume for every app, in a moment.";
+  page.cards = {audioCard(), loginItemCard()};
+  if (isTrayIconHidden_) {
+    page.cards.push_back(trayIconCard());
+  }
+  for (const SetupCard& card : page.cards) {
+    page.doneCards += card.status == StepStatus::done ? 1 : 0;
+  }
+  page.finishTitle = "Finish Later";
+  if (isComplete()) {
+    page.isComplete = true;
+    page.title = "You're all set";
+    page.completeLines =
+        services_.showsTrayIcon().value_or(false)
+            ? std::vector<std::string>{"Set the volume of every app, right from the tray.",
+                                       "Click Plemora's icon there whenever you want its panel."}
+            : std::vector<std::string>{"Set the volume of every app, right from Plemora's panel.",
+                                       "Start Plemora once more whenever you want it."};
+    page.showTitle = "Show Me";
+    page.finishTitle = "Done";
+  }
+  return page;
+}
+
+SetupCard DesktopSetup::audioCard() const {
+  SetupCard card =
+      cardOf(audioId, "Allow audio access",
+             "Lets Plemora turn each app up or down. Nothing is recorded.", state_.audio.get());
+  if (card.status != StepStatus::done) {
+    card.note = services_.audioAdvice();
+  }
+  return card;
+}
+
+SetupCard DesktopSetup::loginItemCard() const {
+  SetupCard card = cardOf(loginItemId, "Start at login",
+                          "Keeps every app at its volume, from the start.", loginItem_);
+  if (card.status == StepStatus::done) {
+    if (isLoginItemSkipped_) {
+      card.line = "Plemora waits until you start it.";
+    }
+    return card;
+  }
+  const bool hasFailed = !loginItemProblem_.empty();
+  card.note = hasFailed ? "That did not work: " + loginItemProblem_ + "." : "";
+  card.buttonTitle = hasFailed ? "Try Again" : "Start at Login";
+  card.skipTitle = "Not Now";
+  return card;
+}
+
+SetupCard DesktopSetup::trayIconCard() const {
+  SetupCard card = cardOf(trayIconId, "Find Plemora without a tray",
+                          "This desktop shows no tray icons.", trayIcon_);
+  if (services_.showsTrayIcon().value_or(false)) {
+    card.title = "Find Plemora in the tray";
+    card.line = "Its icon is there now.";
+  } else if (card.status != StepStatus::done) {
+    card.note = services_.trayAdvice;
+    card.buttonTitle = "Got It";
+  }
+  return card;
+}
+
+}  // namespace plemora
