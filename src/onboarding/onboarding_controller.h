@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -109,6 +110,9 @@ class OnboardingController {
   void observeState();
   void updatePage();
   void setStatus(SetupStep step, StepStatus status);
+  bool isReached(SetupStep step) const;
+  bool isInProgress(SetupStep step) const;
+  void refreshControlCenter();
   void activateNextStep();
   void buttonMoved(const std::string& id, const Rect& inContent);
   void publishButtonFrames();
@@ -123,13 +127,16 @@ class OnboardingController {
   void saidDone();
   void askInstead();
   void testNext(std::size_t index);
+  void cancelTest();
 
   void poll();
   void checkReplacement();
+  void complete(SetupStep step);
   void completed(SetupStep step);
   void rememberReplacement();
   void endFlow();
   void makeWindow();
+  void windowWillClose();
 
   MixerModel& model_;
   StatusItemController& statusItem_;
@@ -145,7 +152,8 @@ class OnboardingController {
   std::unique_ptr<SetupWindow> window_;
   std::unique_ptr<Guides> guides_;
   Timer poll_;
-  std::unique_ptr<DelayedWork> tests_;
+  std::optional<DelayedWork> tests_;
+  bool isTesting_ = false;
   std::vector<Subscription> cancellables_;
   std::shared_ptr<int> life_ = std::make_shared<int>(0);  // expires for answers that come late
 };

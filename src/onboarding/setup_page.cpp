@@ -40,7 +40,11 @@ constexpr std::array<StepTexts, 4> texts{{
 SetupCard card(const StepTexts& step, StepStatus status) {
   const bool isWaiting = status == StepStatus::inSettings;
   const bool isReached = isWaiting || status == StepStatus::active;
-  SetupCard card{.id = step.id, .title = step.title, .line = step.line, .status = status};
+  SetupCard card;
+  card.id = step.id;
+  card.title = step.title;
+  card.line = step.line;
+  card.status = status;
   if (status != StepStatus::done) {
     card.buttonTitle = isWaiting ? step.againTitle : step.buttonTitle;
   }

@@ -9,6 +9,7 @@
 #include "menubar/window_animation.h"
 #include "onboarding/setup_view.h"
 #include "platform/hosted_view.h"
+#include "platform/main_queue.h"
 #include "platform/panel_window.h"
 
 namespace plemora {
@@ -21,7 +22,7 @@ class SetupWindow {
 
   static constexpr double fadeDuration = 0.3;  ///< seconds
 
-  /// The services, and the view that is drawn, outlive it. What draws is made at the first show().
+  /// The services, and the view that is drawn, outlive it. What draws is made by show().
   SetupWindow(const MenuBarServices& services, SetupView& view, MakeContent makeContent);
   ~SetupWindow();
   SetupWindow(const SetupWindow&) = delete;
@@ -35,11 +36,12 @@ class SetupWindow {
   bool show();
   /// From show() until it is closed or begins to fade.
   bool isShown() const { return isShown_; }
-  /// Fades it away; the completion runs once it is gone, never when it was shown again before.
+  /// Fades it away, while it is shown; the completion runs once it is gone, never when it was shown
+  /// again before.
   void fadeOut(std::function<void()> completion);
   /// A place in its content (y down), on the screens (global, y up).
   Rect onScreen(const Rect& inContent) const;
-  /// Global, y up; empty before the first show().
+  /// Global, y up; empty while there is no window.
   Rect frame() const { return window_ ? window_->frame() : Rect{}; }
 
  private:
@@ -47,6 +49,7 @@ class SetupWindow {
   void place();
   void fit(double height);
   void closed();
+  void gone();
 
   const MenuBarServices services_;
   SetupView& view_;
@@ -56,6 +59,7 @@ class SetupWindow {
   std::shared_ptr<PanelWindow> window_;
   std::unique_ptr<WindowAnimation> animation_;
   bool isShown_ = false;
+  Timer letGo_;  // of what is drawn
 };
 
 }  // namespace plemora
