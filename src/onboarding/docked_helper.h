@@ -7,11 +7,13 @@
 
 #include "base/geometry.h"
 #include "base/published.h"
+#include "controlcenter/control_center_locator.h"
 #include "onboarding/helper_state.h"
 #include "onboarding/helper_view.h"
 #include "onboarding/onboarding_services.h"
 #include "onboarding/settings_window_tracker.h"
 #include "platform/main_queue.h"
+#include "platform/screens.h"
 
 namespace plemora {
 
@@ -76,17 +78,19 @@ class DockedHelper {
   struct Shown;
 
   bool makeShown();
+  void connectView();
   void resetState(HelperState::Kind kind);
   void updatePage();
   void followSettings();
   void stopFollowing();
   void activated(std::int32_t pid);
-  void settingsMissing();
-  void settingsGone();
-  void moveTo(const Rect& frame);
+  void standAlone();
+  void fade(bool isFaded);
+  Rect controlCenterFrame(const std::optional<ControlCenterWindow>& panel, bool isEditing) const;
   void spring(const Rect& frame, double alpha, std::function<void()> completion = {});
   void dragIcon();
   void end(std::function<void()> completion);
+  const std::vector<Screen>& screens() const;
 
   const OnboardingServices services_;
   RipplePanel& ripple_;
@@ -96,8 +100,9 @@ class DockedHelper {
   SettingsWindowTracker tracker_;
 
   Rect origin_;  // that the panel was presented at
-  Rect target_;  // where it is, or is going
-  double height_ = 200;
+  Rect target_;  // where the panel is, or is going
+  double height_ = 0;
+  std::optional<Rect> settings_;  // where System Settings was last
   bool isDocked_ = false;
   bool isLeaving_ = false;
   bool isFaded_ = false;           // System Settings is gone

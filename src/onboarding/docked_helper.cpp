@@ -1,0 +1,417 @@
+#include "onboarding/docked_helper.h"
+
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "controlcenter/control_center_locator.h"
+#include "menubar/glass_panel.h"
+#include "menubar/layout_helpers.h"
+#include "menubar/status_item_controller.h"
+#include "menubar/window_animation.h"
+#include "menubar/window_spring.h"
+#include "onboarding/dock_placement.h"
+#include "onboarding/helper_page.h"
+#include "onboarding/ripple_panel.h"
+#include "platform/clock.h"
+#include "platform/file_drag.h"
+#include "platform/system_info.h"
+#include "platform/workspace.h"
+#include "skin/look/control_center_look.h"
+
+namespace plemora {
+
+namespace {
+
+using Kind = HelperState::Kind;
+
+constexpr int floatingWindowLevel = 3;  // NSFloatingWindowLevel
+constexpr double cornerRadius = 20;     // points
+constexpr double usualHeight = 160;     // of content that does not know its own
+constexpr double drop = 34;             // out of the button
+constexpr double leaveDamping = 0.9;
+constexpr double leaveResponse = 0.42;
+
+// Seconds.
+constexpr double fallbackTime = 3.0;
+constexpr double fadeTime = 0.2;
+constexpr double controlCenterInterval = 0.1;
+constexpr double retryTime = 1.5;  // in which the change is to be seen once edit mode was left
+
+PanelWindowOptions helperOptions() {
+  PanelWindowOptions options;
+  options.identifier = "setup-helper";
+  options.title = "Plemora Setup Helper";
+  options.level = floatingWindowLevel;
+  options.collectionBehavior =
+      windowCanJoinAllSpaces | windowIgnoresCycle | windowFullScreenAuxiliary;
+  options.animationBehavior = 2;
+  options.hasShadow = true;
+  return options;
+}
+
+std::array<Published<bool>*, 7> flagsOf(HelperState& state) {
+  return {&state.isDragging,        &state.awaitingApproval,     &state.succeeded,
+          &state.settingsMissing,   &state.controlCenterEditing, &state.controlCenterOpen,
+          &state.controlCenterRetry};
+}
+
+template <typename T>
+void setIfChanged(Published<T>& published, const T& value) {
+  if (published.get() != value) {
+    published.set(value);
+  }
+}
+
+}  // namespace
+
+struct DockedHelper::Shown {
+  PanelVisibility visibility;
+  std::shared_ptr<HostedView> content;
+  std::shared_ptr<GlassPanel> panel;
+  std::optional<VisibilityGate> gate;
+  std::optional<WindowSpring> spring;
+  std::optional<WindowAnimation> fade;
+  std::optional<HeightReader> heightReader;
+};
+
+DockedHelper::DockedHelper(const OnboardingServices& services, RipplePanel& ripple)
+    : services_(services), ripple_(ripple), tracker_(services) {
+  tracker_.onChange = [this](const auto& frame) { settingsMoved(frame); };
+  connectView();
+}
+
+DockedHelper::~DockedHelper() {
+  stopFollowing();
+}
+
+void DockedHelper::connectView() {
+  view_.onBack = [this] {
+    if (onBack && !isLeaving_) {
+      onBack();
+    }
+  };
+  view_.onDone = [this] {
+    if (onDone && !isLeaving_) {
+      onDone();
+    }
+  };
+  view_.onAskInstead = [this] {
+    if (isPresented() && !isLeaving_) {
+      state.awaitingApproval.set(true);
+      if (onAskInstead) {
+        onAskInstead();
+      }
+    }
+  };
+  view_.onDrag = [this] { dragIcon(); };
+
+  const auto update = [this](const auto&) { updatePage(); };
+  for (Published<bool>* flag : flagsOf(state)) {
+    stateSubscriptions_.push_back(flag->subscribe(update));
+  }
+  stateSubscriptions_.push_back(state.kind.subscribe(update));
+  stateSubscriptions_.push_back(state.placement.subscribe(update));
+}
+
+void DockedHelper::updatePage() {
+  setIfChanged(view_.page, helperPage(state));
+}
+
+void DockedHelper::resetState(Kind kind) {
+  for (Published<bool>* flag : flagsOf(state)) {
+    setIfChanged(*flag, false);
+  }
+  setIfChanged(state.placement, HelperState::Placement::under);
+  setIfChanged(state.kind, kind);
+  updatePage();
+}
+
+const std::vector<Screen>& DockedHelper::screens() const {
+  return services_.menuBar.screens.screens().get();
+}
+
+GlassPanel* DockedHelper::panel() const {
+  return shown_ ? shown_->panel.get() : nullptr;
+}
+
+bool DockedHelper::makeShown() {
+  if (shown_) {
+    return true;
+  }
+  const auto& makeHelper = services_.contents.makeHelper;
+  const auto content = makeHelper ? makeHelper(view_) : nullptr;
+  if (!content) {
+    return false;
+  }
+  const MenuBarServices& desktop = services_.menuBar;
+  shown_ = std::make_unique<Shown>();
+  shown_->content = content;
+  shown_->panel = std::make_shared<GlassPanel>(desktop.windows, helperOptions(), content,
+                                               shown_->visibility, desktop.mainQueue);
+  shown_->panel->make(cornerRadius, GlassStyle(desktop.look.style("detailStyle", builtInDetail)));
+  shown_->panel->setRim(
+      std::make_unique<RimLayer>(StatusItemController::rimTop, StatusItemController::rimRest),
+      cornerRadius, StatusItemController::rimZPosition);
+  shown_->gate.emplace(shown_->visibility, content);
+  shown_->fade.emplace(shown_->panel, desktop.displayLinks, desktop.clock);
+  shown_->heightReader.emplace(content, [this](double height) { heightChanged(height); });
+  return true;
+}
+
+void DockedHelper::present(Kind from, const Rect& rect) {
+  stopFollowing();
+  isLeaving_ = false;
+  isDocked_ = false;
+  isFaded_ = false;
+  settings_.reset();
+  editEnd_.reset();
+  resetState(from);
+  if (!makeShown()) {
+    return;
+  }
+  const MenuBarServices& desktop = services_.menuBar;
+  const double fitting = shown_->content->fittingHeight();
+  height_ = fitting > 0 ? fitting : usualHeight;
+  origin_ = {rect.midX() - DockPlacement::width / 2, rect.midY() - height_ / 2,
+             DockPlacement::width, height_};
+  trip_ = std::make_shared<int>();
+
+  GlassPanel& panel = *shown_->panel;
+  shown_->fade->stop();
+  shown_->spring.emplace(shown_->panel, desktop.displayLinks, desktop.clock);
+  panel.setIgnoresMouseEvents(false);
+  panel.setLevel(from == Kind::controlCenter ? popUpMenuWindowLevel : floatingWindowLevel);
+  panel.setFrame(origin_);
+  panel.setAlpha(0);
+  panel.orderFrontRegardless();
+  spring(origin_.offset(0, -(height_ / 2 + drop)), 1);
+  if (from == Kind::controlCenter) {
+    startControlCenterTracking();
+  } else {
+    followSettings();
+  }
+}
+
+void DockedHelper::followSettings() {
+  tracker_.start();
+  activationObserver_ =
+      services_.menuBar.workspace.observeActivation([this](std::int32_t pid) { activated(pid); });
+  fallbackWork_ = services_.menuBar.mainQueue.after(fallbackTime, [this] { standAlone(); });
+}
+
+void DockedHelper::stopFollowing() {
+  tracker_.stop();
+  if (controlCenterTimer_) {
+    controlCenterTimer_.reset();
+    ripple_.hide();
+  }
+  fallbackWork_.reset();
+  success_.reset();
+  activationObserver_ = {};
+  trip_.reset();
+}
+
+void DockedHelper::activated(std::int32_t pid) {
+  const auto application = services_.menuBar.workspace.runningApplication(pid);
+  const bool isSettings =
+      application && application->bundleID == SettingsWindowTracker::settingsBundleID;
+  if (isSettings || pid == services_.ownPid) {
+    shown_->panel->orderFrontRegardless();
+  } else {
+    shown_->panel->orderOut();
+  }
+}
+
+/// Moves the panel, whose alpha the spring has from now on.
+void DockedHelper::spring(const Rect& frame, double alpha, std::function<void()> completion) {
+  shown_->fade->stop();
+  target_ = frame;
+  shown_->spring->animate(frame, alpha, std::move(completion));
+}
+
+/// System Settings has not come: the helper is to be seen all the same, out of the way of setup.
+void DockedHelper::standAlone() {
+  fallbackWork_.reset();
+  state.settingsMissing.set(true);
+  spring(DockPlacement::alone(origin_, height_, screens()), 1);
+}
+
+Rect DockedHelper::dockFrame(const Rect& under) {
+  const DockPlacement found = DockPlacement::under(under, height_, screens());
+  setIfChanged(state.placement, found.placement);
+  return found.frame;
+}
+
+void DockedHelper::settingsMoved(const std::optional<Rect>& frame) {
+  if (!shown_ || isLeaving_) {
+    return;
+  }
+  if (!frame) {
+    if (isDocked_) {
+      fade(true);
+    }
+    return;
+  }
+  settings_ = frame;
+  setIfChanged(state.settingsMissing, false);
+  const Rect place = dockFrame(*frame);
+  if (!isDocked_) {
+    isDocked_ = true;
+    fallbackWork_.reset();
+    spring(place, 1);
+    return;
+  }
+  target_ = place;
+  shown_->spring->retarget(place);
+  if (isFaded_) {
+    fade(false);
+  }
+}
+
+/// A running spring goes on to where it was going, since it and the fade cannot both have the
+/// alpha.
+void DockedHelper::fade(bool isFaded) {
+  isFaded_ = isFaded;
+  const double alpha = isFaded ? 0 : 1;
+  shown_->panel->setIgnoresMouseEvents(isFaded);
+  if (shown_->spring->isRunning()) {
+    spring(target_, alpha);
+  } else {
+    shown_->fade->animateAlpha(alpha, fadeTime);
+  }
+}
+
+void DockedHelper::heightChanged(double height) {
+  if (!shown_ || isLeaving_ || !(height > 0) || std::abs(height - height_) < 0.5) {
+    return;
+  }
+  height_ = height;
+  if (settings_) {
+    target_ = dockFrame(*settings_);
+  } else if (state.settingsMissing.get()) {
+    target_ = DockPlacement::alone(origin_, height, screens());
+  } else {
+    target_ = PinTop::frame(target_, height);
+  }
+  shown_->spring->retarget(target_);
+}
+
+void DockedHelper::startControlCenterTracking() {
+  setIfChanged(state.controlCenterEditing, services_.locator.isEditing());
+  controlCenterTimer_ =
+      services_.menuBar.mainQueue.every(controlCenterInterval, [this] { updateControlCenter(); });
+  updateControlCenter();
+}
+
+void DockedHelper::updateControlCenter() {
+  if (!shown_ || isLeaving_) {
+    return;
+  }
+  const auto [panel, isEditing] = services_.locator.glance();
+  const double now = services_.menuBar.clock.mediaTime();
+  if (isEditing) {
+    editEnd_.reset();
+  } else if (state.controlCenterEditing.get()) {
+    editEnd_ = now;
+  }
+  setIfChanged(state.controlCenterEditing, isEditing);
+  setIfChanged(state.controlCenterOpen, panel.has_value());
+  setIfChanged(state.controlCenterRetry, editEnd_ && now - *editEnd_ >= retryTime);
+
+  if (panel || isEditing) {
+    isDocked_ = true;
+    const Rect frame = controlCenterFrame(panel, isEditing);
+    if (frame != target_) {
+      spring(frame, 1);
+    }
+  }
+  const bool hasToOpen = !panel && !isEditing && !state.succeeded.get();
+  const auto icon = hasToOpen ? services_.locator.iconFrame() : std::nullopt;
+  if (icon) {
+    ripple_.show(*icon);
+  } else {
+    ripple_.hide();
+  }
+}
+
+/// Edit mode needs the room beside the panel for what can be added.
+Rect DockedHelper::controlCenterFrame(const std::optional<ControlCenterWindow>& panel,
+                                      bool isEditing) const {
+  if (isEditing || !panel) {
+    return DockPlacement::alone(screens().front().frame, height_, screens());
+  }
+  const Rect& rect = panel->rect;
+  const Rect global{rect.x, screens().front().frame.maxY() - rect.maxY(), rect.width, rect.height};
+  return DockPlacement::besideControlCenter(global, height_, screens());
+}
+
+void DockedHelper::dragIcon() {
+  if (!isPresented() || isLeaving_ || !takesDraggedIcon(state.kind.get()) ||
+      state.isDragging.get() || state.succeeded.get()) {
+    return;
+  }
+  // Before it begins, since it may end before begin() is back.
+  state.isDragging.set(true);
+  const bool hasBegun = services_.fileDrag.begin(
+      services_.system.bundlePath(), [this, trip = std::weak_ptr<int>(trip_)](bool wasTaken) {
+        if (!trip.expired()) {
+          state.isDragging.set(false);
+          setIfChanged(state.awaitingApproval, wasTaken || state.awaitingApproval.get());
+        }
+      });
+  if (!hasBegun) {
+    state.isDragging.set(false);
+  }
+}
+
+void DockedHelper::succeed(std::function<void()> then) {
+  if (success_) {
+    return;
+  }
+  if (!shown_ || isLeaving_ || !shown_->panel->isOnScreen()) {
+    if (then) {
+      then();
+    }
+    return;
+  }
+  state.succeeded.set(true);
+  success_ = services_.menuBar.mainQueue.after(successTime, [this, then = std::move(then)] {
+    // The action may end all of this.
+    const Timer self = std::move(success_);
+    if (then) {
+      then();
+    }
+  });
+}
+
+void DockedHelper::leave(std::function<void()> completion) {
+  if (isLeaving_) {
+    return;
+  }
+  if (!shown_ || !shown_->panel->isOnScreen()) {
+    end(std::move(completion));
+    return;
+  }
+  isLeaving_ = true;
+  stopFollowing();
+  shown_->spring->damping = leaveDamping;
+  shown_->spring->response = leaveResponse;
+  spring(origin_, 0,
+         [this, completion = std::move(completion)]() mutable { end(std::move(completion)); });
+}
+
+void DockedHelper::end(std::function<void()> completion) {
+  stopFollowing();
+  isLeaving_ = false;
+  isDocked_ = false;
+  if (shown_) {
+    shown_->panel->orderOut();
+    shown_.reset();
+  }
+  if (completion) {
+    completion();
+  }
+}
+
+}  // namespace plemora
