@@ -15,6 +15,10 @@ class Panel {
  public:
   virtual ~Panel() = default;
   virtual void open() = 0;
+  /// Whether setup was never brought to its end.
+  virtual bool needsSetUp() = 0;
+  /// Shows setup, or brings it forward.
+  virtual void setUp() = 0;
 };
 
 /// All that needs windows. It stands in a module of its own, which is loaded when the program is to

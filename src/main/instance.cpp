@@ -14,7 +14,6 @@
 #include "adapters/linux/dbus/mixer_client.h"
 #include "adapters/linux/dbus/mixer_names.h"
 #include "base/log.h"
-#include "controlcenter/panel_url.h"
 #include "main/desktop_ui.h"
 #include "main/linux_program.h"
 #include "main/process/display_probe.h"
@@ -105,8 +104,8 @@ void Instance::makeWindowed() {
   }
 }
 
-Exit Instance::run(bool hasDesktop, bool opensPanel) {
-  opensPanel_ = opensPanel;
+Exit Instance::run(bool hasDesktop, const ProgramOptions& options) {
+  options_ = options;
   application_ = std::make_unique<QCoreApplication>(argc_, argv_);
   auto bus = QDBusConnection::sessionBus();
   const InstanceLock lock(InstanceLock::defaultFile());
@@ -128,6 +127,7 @@ Exit Instance::run(bool hasDesktop, bool opensPanel) {
     makeWindowed();
   }
   const Exit result = runEngine(bus);
+  noteEnding("its way off the desktop");
   logger.info("ended; every app is back on its usual path");
   return result;
 }
@@ -148,14 +148,20 @@ Exit Instance::runEngine(QDBusConnection& bus) {
     adaptor.emplace(bus, program.service());
     adaptor->setActivateHandler([&](const std::vector<std::string>& arguments) {
       logActivation(arguments);
-      // A second start on the same desktop means: let me see it. The service's own does not, nor
-      // does a URL that asks for something else.
-      const bool isService =
-          std::find(arguments.begin(), arguments.end(), "--no-ui") != arguments.end();
-      const auto urls = mixerURLs(arguments);
+      std::string problem;
+      options_ = parseProgramOptions(arguments, problem).value_or(ProgramOptions());
       const bool isFirst = std::exchange(hasJoined, false);
-      opensPanel_ = PanelRequest::of(urls).has_value();
-      if (panel && !isService && (opensPanel_ || (urls.empty() && !isFirst))) {
+      if (!panel || options_.withoutWindow) {
+        return;
+      }
+      const bool setsUp = options_.setsUp || (isFirst && panel->needsSetUp());
+      if (setsUp) {
+        panel->setUp();
+      }
+      // A second start on the same desktop means: let me see it. A URL that asks for something else
+      // does not.
+      const bool wantsPanel = options_.opensPanel || (!options_.hasURL && !isFirst);
+      if (options_.hasPanelURL || (wantsPanel && !setsUp)) {
         panel->open();
       }
     });
@@ -182,7 +188,11 @@ Exit Instance::runEngine(QDBusConnection& bus) {
   }
   const auto show = [&] {
     panel = ui_->makePanel(program, bus, PLEMORA_VERSION);
-    if (opensPanel_) {
+    const bool setsUp = options_.setsUp || panel->needsSetUp();
+    if (setsUp) {
+      panel->setUp();
+    }
+    if (options_.hasPanelURL || (options_.opensPanel && !setsUp)) {
       // Once the tray has had its moment to say where the icon is.
       opening = program.mainQueue().after(openingDelay, [&panel] { panel->open(); });
     }
@@ -202,6 +212,11 @@ Exit Instance::runEngine(QDBusConnection& bus) {
       logger.notice("joined the desktop");
     }
   }
+  noteEnding("its windows");
+  boundEnding();
+  opening.reset();
+  panel.reset();
+  noteEnding("the apps' way back to their usual path");
   return success;
 }
 

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "main/program_options.h"
+
 class QCoreApplication;
 class QDBusConnection;
 
@@ -26,8 +28,9 @@ class Instance {
   ~Instance();
 
   /// Runs until it is ended, or hands over to the instance that runs already. hasDesktop: shows
-  /// the panel there; a service does when it is asked to join a desktop. opensPanel: at once.
-  Exit run(bool hasDesktop, bool opensPanel);
+  /// the panel there; a service does when it is asked to join a desktop. Options: what is to be
+  /// seen at once.
+  Exit run(bool hasDesktop, const ProgramOptions& options);
 
  private:
   /// Exchanges the application object for one that has windows.
@@ -38,7 +41,7 @@ class Instance {
   char** argv_;
   const std::vector<std::string> arguments_;
   DesktopUi* ui_ = nullptr;
-  bool opensPanel_ = false;
+  ProgramOptions options_;  ///< of the last start that was handed over, at first of this one
   std::unique_ptr<QCoreApplication> application_;
 };
 

@@ -35,6 +35,8 @@ class LinuxProgram {
   FileDefaults& defaults() { return defaults_; }
   LinuxWorkspace& workspace() { return workspace_; }
   MixerModel& model() { return model_; }
+  ConsentService& consent() { return audio_.consent(); }
+  bool hasSoundServer() const { return audio_.isConnected(); }
 
  private:
   void connectionChanged(bool connected);

@@ -61,5 +61,5 @@ int main(int argc, char** argv) {
   if (!hasDesktop && !options->withoutWindow) {
     logger.notice("no display answers: the engine runs without a window; plemoractl controls it");
   }
-  return Instance(argc, argv, arguments).run(hasDesktop, options->opensPanel);
+  return Instance(argc, argv, arguments).run(hasDesktop, *options);
 }

@@ -33,6 +33,10 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
     const std::string& argument = arguments[i];
     if (argument == "--no-ui") {
       options.withoutWindow = true;
+    } else if (argument == "--setup") {
+      options.setsUp = true;
+    } else if (argument == "--open") {
+      options.opensPanel = true;
     } else if (argument == "--help" || argument == "-h") {
       options.wantsHelp = true;
     } else if (argument == "--version") {
@@ -67,7 +71,8 @@ std::optional<ProgramOptions> parseProgramOptions(std::span<const std::string> a
     problem = "--preferences and --preferences-host go with --replace-sound or --restore-sound";
     return std::nullopt;
   }
-  options.opensPanel = PanelRequest::of(urls).has_value();
+  options.hasURL = !urls.empty();
+  options.hasPanelURL = PanelRequest::of(urls).has_value();
   return options;
 }
 
@@ -78,6 +83,8 @@ std::string programHelp() {
          "session; a second start hands its arguments to the first. plemoractl controls it.\n"
          "\n"
          "  --no-ui            run without a window, as a service\n"
+         "  --open             show the panel\n"
+         "  --setup            show setup, as the first start does; goes before --open\n"
          "  --log-levels       log what each tapped app plays, every 2 seconds\n"
          "  -demo JSON         show prepared rows and touch no sound\n"
          "  -SETTING VALUE     a setting for this run alone: showMeters, appRowStyle, release, "

@@ -14,7 +14,10 @@ struct ProgramOptions {
   bool withoutWindow = false;
   bool wantsHelp = false;
   bool wantsVersion = false;
-  bool opensPanel = false;                 ///< a URL among the arguments asks for it
+  bool setsUp = false;                     ///< shows setup, rather than the panel
+  bool opensPanel = false;                 ///< at once, if setup is not shown
+  bool hasURL = false;                     ///< of the program
+  bool hasPanelURL = false;                ///< one that asks for the panel
   std::optional<std::string> screenshots;  ///< folder to draw pictures of the panel into
   ScriptOptions script;
 };

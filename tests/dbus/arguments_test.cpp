@@ -132,9 +132,9 @@ TEST(ProgramOptions, TakesItsOwnAndRefusesOthers) {
   EXPECT_TRUE(parseProgramOptions(Words{"-showMeters", "no", "--no-ui"}, problem)->withoutWindow);
   EXPECT_EQ(parseProgramOptions(Words{"--screenshots", "a b"}, problem)->screenshots, "a b");
   EXPECT_TRUE(parseProgramOptions(Words{"--no-ui"}, problem)->withoutWindow);
-  EXPECT_TRUE(parseProgramOptions(Words{"com.quorvane.mixer://panel"}, problem)->opensPanel);
+  EXPECT_TRUE(parseProgramOptions(Words{"com.quorvane.mixer://panel"}, problem)->hasPanelURL);
   // A link of a version to come starts the program all the same.
-  EXPECT_FALSE(parseProgramOptions(Words{"com.quorvane.mixer://news"}, problem)->opensPanel);
+  EXPECT_FALSE(parseProgramOptions(Words{"com.quorvane.mixer://news"}, problem)->hasPanelURL);
   EXPECT_FALSE(parseProgramOptions(Words{"-demo", "--no-ui"}, problem)->withoutWindow);
 }
 

@@ -4,8 +4,11 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 namespace plemora {
@@ -17,8 +20,24 @@ constexpr std::array endingSignals = {SIGTERM, SIGINT, SIGHUP};
 // The handler writes, the main loop reads. Kept open: a late signal must find a pipe.
 int pipeEnds[2] = {-1, -1};
 
+std::atomic<const char*> nextToEnd = "the main loop";
+static_assert(std::atomic<const char*>::is_always_lock_free);
+volatile std::sig_atomic_t isEndingBound = 0;
+
+void say(const char* text) {
+  [[maybe_unused]] const auto written = write(STDERR_FILENO, text, std::strlen(text));
+}
+
+void onTimeOver(int) {
+  say("plemora: did not end in time and leaves undone: ");
+  say(nextToEnd.load());
+  say("\n");
+  _exit(EXIT_FAILURE);
+}
+
 void onEndingSignal(int) {
   const int before = errno;
+  boundEnding();
   const char byte = 0;
   // A full pipe means that the main loop will wake up anyway.
   [[maybe_unused]] const auto written = write(pipeEnds[1], &byte, 1);
@@ -26,6 +45,20 @@ void onEndingSignal(int) {
 }
 
 }  // namespace
+
+void boundEnding() {
+  if (isEndingBound == 0) {
+    isEndingBound = 1;
+    struct sigaction action = {};
+    action.sa_handler = onTimeOver;
+    sigaction(SIGALRM, &action, nullptr);
+    alarm(endingBound);
+  }
+}
+
+void noteEnding(const char* what) {
+  nextToEnd = what;
+}
 
 EndingSignals::EndingSignals(std::function<void()> onSignal) {
   if (pipeEnds[0] < 0 && pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "adapters/linux/tray/tray_advice.h"
 #include "base/log.h"
 #include "menubar/menu_bar_services.h"
 
@@ -15,6 +16,16 @@ namespace {
 constexpr Logger logger("program");
 
 constexpr double readyingDelay = 0.5;  // seconds
+
+/// What to do while the program may not change the sound.
+std::string audioAdvice(bool hasSoundServer) {
+  return hasSoundServer
+             ? "The sound server does not let Plemora link streams. Ask whoever looks after this "
+               "computer for that permission."
+             : "No sound server answers. Plemora needs PipeWire: install it if it is missing, or "
+               "start it with “systemctl --user start pipewire wireplumber”. Setup then goes on by "
+               "itself.";
+}
 
 /// The first question about fonts or icons reads the desktop's description of all of them, which
 /// takes about as long as showing the panel does. The first click shall not wait for that.
@@ -47,14 +58,26 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
                                   desktop_.inputEvents(), windows_, desktop_.displayLinks(),
                                   statusBar_, routePicker_, look_, updater_},
                   [this](PanelView& view) { return makeScene(view); }),
+      setup_({program.mainQueue(), program.defaults(), program.consent(), loginItem_,
+              desktop_.application(), desktop_.screens(), windows_,
+              [this](SetupView& view) {
+                PanelParts* loaded = parts();
+                return loaded != nullptr ? loaded->makeSetup(view, appearance_) : nullptr;
+              },
+              [&program] { return audioAdvice(program.hasSoundServer()); },
+              [this] { return statusBar_.showsItem(); },
+              trayAdvice(qEnvironmentVariable("XDG_CURRENT_DESKTOP").toStdString())}),
       readying_(program.mainQueue().after(readyingDelay, findFontsAndIcons)) {
   desktop_.setOwnAreas([this] {
     const auto icon = controller_.iconFrame();
     return icon ? std::vector<Rect>{*icon} : std::vector<Rect>();
   });
-  controller_.onSetUp = [this, &program] { explainSetUp(program.model().permission.get()); };
+  controller_.onSetUp = [this] { setUp(); };
+  setup_.onShowPanel = [this] { open(); };
   updater_.start();
-  launchAtLogin_.enableOnFirstRun();
+  if (!program.defaults().boolean(DesktopSetup::skippedLoginItemKey).value_or(false)) {
+    launchAtLogin_.enableOnFirstRun();
+  }
 }
 
 LinuxPanel::~LinuxPanel() {
@@ -65,29 +88,32 @@ void LinuxPanel::open() {
   controller_.open(StatusItemController::Anchor::menuBar);
 }
 
-// The one thing to set up is not the program's to give.
-void LinuxPanel::explainSetUp(AudioPermission::Status permission) {
-  notifier_.show("Plemora", permission == AudioPermission::Status::granted
-                                ? "Nothing is left to set up: the volume of every app that plays "
-                                  "can be changed."
-                                : "The sound server does not let Plemora link streams. Ask whoever "
-                                  "looks after this computer for the permission to do so, or see "
-                                  "whether the sound server runs.");
+void LinuxPanel::setUp() {
+  controller_.close();
+  setup_.show();
 }
 
-std::shared_ptr<HostedView> LinuxPanel::makeScene(PanelView& view) {
+PanelParts* LinuxPanel::parts() {
   if (!parts_) {
     std::string problem;
     PanelModule* module = loadPanelModule(problem);
     if (module == nullptr) {
       logger.error("the panel cannot be loaded: " + problem);
       notifier_.show("Plemora",
-                     "The panel cannot be shown: a part of the program is missing. " + problem);
+                     "Its windows cannot be shown: a part of the program is missing. " + problem);
       return nullptr;
     }
     parts_ = module->makeParts(desktop_, queue_);
   }
-  return parts_->makeScene(view, look_, [this](const Rect& inScene) {
+  return parts_.get();
+}
+
+std::shared_ptr<HostedView> LinuxPanel::makeScene(PanelView& view) {
+  PanelParts* loaded = parts();
+  if (loaded == nullptr) {
+    return nullptr;
+  }
+  return loaded->makeScene(view, look_, [this](const Rect& inScene) {
     const Rect panel = controller_.panel().frame();
     return Rect{panel.x + inScene.x, panel.maxY() - inScene.y - inScene.height, inScene.width,
                 inScene.height};

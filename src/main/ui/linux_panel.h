@@ -17,6 +17,7 @@
 #include "main/linux_program.h"
 #include "main/ui/panel_module.h"
 #include "menubar/status_item_controller.h"
+#include "onboarding/desktop_setup.h"
 #include "skin/look/control_center_look.h"
 
 namespace plemora {
@@ -32,6 +33,8 @@ class LinuxPanel : public Panel {
   LinuxPanel& operator=(const LinuxPanel&) = delete;
 
   void open() override;
+  bool needsSetUp() override { return !setup_.wasCompleted(); }
+  void setUp() override;
 
  private:
   /// Those of the parts, which are there before the first panel is made.
@@ -51,7 +54,8 @@ class LinuxPanel : public Panel {
     std::unique_ptr<PanelParts>& parts_;
   };
 
-  void explainSetUp(AudioPermission::Status permission);
+  /// What draws, loaded if need be; null when that fails, of which the user is told.
+  PanelParts* parts();
   std::shared_ptr<HostedView> makeScene(PanelView& view);
 
   MainQueue& queue_;
@@ -70,6 +74,7 @@ class LinuxPanel : public Panel {
   LinuxStatusBar statusBar_;
   RaopRoutePicker routePicker_;
   StatusItemController controller_;
+  DesktopSetup setup_;
   Timer readying_;
 };
 

@@ -6,6 +6,7 @@
 #include "adapters/linux/windows/linux_panels.h"
 #include "main/gallery/gallery.h"
 #include "views/panel_scene.h"
+#include "views/setup_scene.h"
 
 namespace plemora {
 
@@ -21,6 +22,12 @@ class LinuxPanelParts : public PanelParts {
                                         ScreenMapping toScreen) override {
     auto scene = std::make_shared<PanelScene>(view, look);
     scene->setScreenMapping(std::move(toScreen));
+    return scene;
+  }
+
+  std::shared_ptr<HostedView> makeSetup(SetupView& view, Appearance& appearance) override {
+    auto scene = std::make_shared<SetupScene>(view, appearance);
+    scene->setOpaque(true);
     return scene;
   }
 

@@ -11,9 +11,11 @@
 
 namespace plemora {
 
+class Appearance;
 class ControlCenterLook;
 class LinuxDesktop;
 class PanelView;
+struct SetupView;
 
 /// What shows panels, on the desktop that the QGuiApplication runs on. Main thread.
 class PanelParts {
@@ -28,6 +30,8 @@ class PanelParts {
   /// The view and the look outlive the scene.
   virtual std::shared_ptr<HostedView> makeScene(PanelView& view, const ControlCenterLook& look,
                                                 ScreenMapping toScreen) = 0;
+  /// Of setup, on a ground of its own. Both outlive it.
+  virtual std::shared_ptr<HostedView> makeSetup(SetupView& view, Appearance& appearance) = 0;
 };
 
 /// All that draws scenes. It stands in a module of its own, which is loaded when the panel opens

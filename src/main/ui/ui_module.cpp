@@ -1,4 +1,6 @@
+#include <QEvent>
 #include <QGuiApplication>
+#include <QSessionManager>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -13,11 +15,33 @@ namespace plemora {
 
 namespace {
 
+/// Ends as the program does by every other way when the desktop tells it to quit, at log-out say:
+/// the toolkit would have its windows closed first, which they refuse.
+class Application : public QGuiApplication {
+ public:
+  Application(int& argc, char** argv) : QGuiApplication(argc, argv) {
+    // Login items are what brings it back, not the session's memory of what ran.
+    connect(
+        this, &QGuiApplication::commitDataRequest, this,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); },
+        Qt::DirectConnection);
+  }
+
+ protected:
+  bool event(QEvent* event) override {
+    if (event->type() == QEvent::Quit) {
+      exit();
+      return true;
+    }
+    return QGuiApplication::event(event);
+  }
+};
+
 class UiModule : public DesktopUi {
  public:
   std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) override {
     LinuxDesktop::prepare();
-    auto application = std::make_unique<QGuiApplication>(argc, argv);
+    auto application = std::make_unique<Application>(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setDesktopFileName(mixerBusName);
     return application;

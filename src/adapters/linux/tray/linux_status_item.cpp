@@ -103,6 +103,16 @@ std::optional<Rect> LinuxStatusItem::frame() {
   return pixels ? std::optional(pointsFromPixels(*pixels)) : std::nullopt;
 }
 
+std::optional<bool> LinuxStatusItem::isShown() const {
+  if (link_.isShown()) {
+    return true;
+  }
+  if (!link_.isKnown() || patience_.isActive()) {
+    return std::nullopt;
+  }
+  return xembed_ && xembed_->isInTray();
+}
+
 void LinuxStatusItem::popUpMenu(std::vector<MenuItem> items) {
   std::vector<PopUpMenuItem> shown;
   for (MenuItem& item : items) {

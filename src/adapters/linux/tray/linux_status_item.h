@@ -30,6 +30,9 @@ class LinuxStatusItem : public StatusItem {
   std::optional<Rect> frame() override;
   void popUpMenu(std::vector<MenuItem> items) override;
 
+  /// Whether a tray shows the item; none while that is not known yet.
+  std::optional<bool> isShown() const;
+
  private:
   StatusNotifierItem::Handlers notifierHandlers();
   std::vector<MenuItem> hostMenu();

@@ -22,6 +22,8 @@ class StatusNotifierLink : public QObject {
 
   /// Whether a watcher has taken the item and a host shows it.
   bool isShown() const { return isShown_.value_or(false); }
+  /// Whether the tray has answered, or cannot.
+  bool isKnown() const { return isShown_.has_value(); }
 
  private slots:
   void hostsChanged();

@@ -32,6 +32,8 @@ class XembedIcon {
   void update();
   void setHighlighted(bool isHighlighted);
   void setShade(TrayShade shade);
+  /// Whether a tray was asked to take it.
+  bool isInTray() const { return window_ != XCB_WINDOW_NONE; }
   /// Pixels of the desktop, exact; none while it is in no tray.
   std::optional<QRect> frame();
 

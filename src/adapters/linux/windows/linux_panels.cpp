@@ -5,6 +5,7 @@
 
 #include "adapters/linux/windows/layer_shell_panels.h"
 #include "adapters/linux/windows/linux_desktop.h"
+#include "adapters/linux/windows/no_backdrop.h"
 #include "adapters/linux/windows/quick_windows.h"
 #include "adapters/linux/windows/window_host.h"
 #include "adapters/linux/windows/x11_backdrop.h"
@@ -13,13 +14,6 @@
 namespace plemora {
 
 namespace {
-
-class NoBackdrop : public BackdropSource {
- public:
-  Kind kind() override { return Kind::none; }
-  BackdropImage capture(const Rect&) override { return {}; }
-  [[nodiscard]] Subscription observe(std::function<void()>) override { return {}; }
-};
 
 struct X11Parts {
   explicit X11Parts(X11Connection& connection)

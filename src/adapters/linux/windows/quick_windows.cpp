@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/linux/windows/quick_surface.h"
+#include "adapters/linux/windows/titled_host.h"
 
 namespace plemora {
 
@@ -12,10 +13,10 @@ namespace {
 class QuickPanel : public PanelWindow {
  public:
   QuickPanel(PanelWindowOptions options, MainQueue& queue, LinuxScreens& screens,
-             BackdropSource& backdrop, const PanelHostFactory& makeHost)
+             BackdropSource& backdrop, PanelHostFactory makeHost)
       : options_(std::move(options)),
         screens_(screens),
-        makeHost_(makeHost),
+        makeHost_(std::move(makeHost)),
         surface_(queue, backdrop, screens, options_.isDark) {}
 
   ~QuickPanel() override {
@@ -76,6 +77,14 @@ class QuickPanel : public PanelWindow {
     }
   }
 
+  /// Before it is first shown.
+  void setHostFactory(PanelHostFactory makeHost) { makeHost_ = std::move(makeHost); }
+  /// The desktop has put it elsewhere; its size is ours.
+  void wasMoved(const Rect& frame) {
+    frame_.x = frame.x;
+    frame_.y = frame.maxY() - frame_.height;
+  }
+
   bool isOnScreen() override { return host_ && host_->isShown(); }
   std::optional<int> screen() override { return screens_.screenShowing(frame_); }
   PanelSurface& surface() override { return surface_; }
@@ -91,7 +100,7 @@ class QuickPanel : public PanelWindow {
 
   PanelWindowOptions options_;
   LinuxScreens& screens_;
-  const PanelHostFactory& makeHost_;
+  PanelHostFactory makeHost_;
   Rect frame_;
   double alpha_ = 1;
   bool isComposited_ = true;  ///< when it was last ordered in
@@ -110,11 +119,18 @@ std::unique_ptr<PanelWindow> QuickWindows::makePanel(const PanelWindowOptions& o
 }
 
 std::unique_ptr<PanelWindow> QuickWindows::makeTitled(const TitledWindowOptions& options) {
-  PanelWindowOptions panel;
-  panel.identifier = options.identifier;
-  panel.title = options.title;
-  panel.isDark = false;
-  return std::make_unique<QuickPanel>(panel, queue_, screens_, backdrop_, makeHost_);
+  PanelWindowOptions plain;
+  plain.identifier = options.identifier;
+  plain.title = options.title;
+  plain.isOpaque = true;
+  plain.isDark = false;
+  auto window =
+      std::make_unique<QuickPanel>(plain, queue_, screens_, noBackdrop_, PanelHostFactory());
+  window->setHostFactory([options, panel = window.get()](const PanelWindowOptions&) {
+    return std::make_unique<TitledHost>(options,
+                                        [panel](const Rect& frame) { panel->wasMoved(frame); });
+  });
+  return window;
 }
 
 }  // namespace plemora
