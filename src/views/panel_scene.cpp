@@ -1,15 +1,12 @@
 #include "views/panel_scene.h"
 
-#include <QEvent>
-#include <QKeyEvent>
-#include <QPointer>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
-#include <QQuickWindow>
 #include <utility>
 
 #include "base/log.h"
+#include "views/focus_watch.h"
 #include "views/image_providers.h"
 #include "views/panel_binding.h"
 
@@ -22,49 +19,14 @@ namespace {
 
 constexpr Logger logger("views");
 
-bool isModifier(int key) {
-  return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt ||
-         key == Qt::Key_Meta;
-}
-
-/// Marks the focused control from the first key until the pointer is used.
-class FocusWatch : public QObject {
- public:
-  explicit FocusWatch(PanelBinding& panel) : panel_(panel) {}
-
-  void watch(QQuickWindow* window) {
-    if (window_ != nullptr) {
-      window_->removeEventFilter(this);
-    }
-    window_ = window;
-    if (window_ != nullptr) {
-      window_->installEventFilter(this);
-    }
-  }
-
-  bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() == QEvent::KeyPress) {
-      if (!isModifier(static_cast<QKeyEvent*>(event)->key())) {
-        panel_.setShowsFocus(true);
-      }
-    } else if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::TouchBegin) {
-      panel_.setShowsFocus(false);
-    }
-    return false;
-  }
-
- private:
-  PanelBinding& panel_;
-  QPointer<QQuickWindow> window_;
-};
-
 }  // namespace
 
 /// What is made at the first use. The components are read by a thread of the engine's meanwhile, so
 /// that whoever shows the scene can see to the window.
 class PanelScene::Parts {
  public:
-  Parts(PanelView& view, const ControlCenterLook& look) : panel(view, look), focus_(panel) {
+  Parts(PanelView& view, const ControlCenterLook& look)
+      : panel(view, look), focus_([this](bool showsFocus) { panel.setShowsFocus(showsFocus); }) {
     qml_register_types_Plemora();
     engine_.addImportPath("qrc:/qt/qml");
     engine_.addImageProvider("symbol", new SymbolProvider);    // the engine owns it
@@ -101,8 +63,7 @@ class PanelScene::Parts {
       return;
     }
     root.release();
-    QObject::connect(item_.get(), &QQuickItem::windowChanged, &focus_,
-                     [this](QQuickWindow* window) { focus_.watch(window); });
+    focus_.watch(*item_);
   }
 
   FocusWatch focus_;

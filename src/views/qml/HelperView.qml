@@ -1,0 +1,213 @@
+import QtQuick
+import Plemora
+
+/// What to do in a window of the system beside which it stands.
+FocusScope {
+    id: root
+
+    required property HelperBinding page
+    readonly property real margin: 20
+    readonly property bool points: page.pointsUp || page.pointsLeft || page.pointsRight
+    readonly property bool hasSign: page.hasDragIcon || points
+    // On the side that it points to.
+    readonly property bool isSignRight: page.pointsRight
+    readonly property bool hasFooter: page.backTitle !== "" || page.doneTitle !== ""
+
+    implicitWidth: 468
+    implicitHeight: page.hasSucceeded ? 132 : body.height + (hasFooter ? footer.height : 0)
+    focus: true
+    Accessible.role: Accessible.Pane
+    Accessible.name: page.hasSucceeded ? qsTr("Done") : page.spokenInstructions
+
+    SetupTints {
+        id: tints
+
+        isDark: true
+    }
+
+    Nod {
+        id: nod
+
+        page: root.page
+        isRunning: !root.page.hasSucceeded && !root.page.hasDragIcon
+    }
+
+    Item {
+        id: body
+
+        width: root.width
+        height: Math.max(sign.visible ? sign.height : 0, words.height) + 2 * root.margin - (root.hasFooter ? 4 : 0)
+        visible: !root.page.hasSucceeded
+
+        Item {
+            id: sign
+
+            x: root.isSignRight ? root.width - root.margin - width : root.margin
+            y: root.margin + Math.max(0, Math.round((words.height - height) / 2))
+            width: root.page.hasDragIcon ? 72 : 52
+            height: width
+            visible: root.hasSign
+
+            Plate {
+                x: nod.x
+                y: nod.y
+                width: 52
+                height: 52
+                radius: 26
+                visible: !root.page.hasDragIcon
+                color: "#2f7ff3"
+                bottomColor: "#1a5fd6"
+
+                Symbol {
+                    anchors.centerIn: parent
+                    name: Window.window === null ? "" : "arrow.up"
+                    pointSize: 22
+                    rotation: root.page.pointsLeft ? -90 : root.page.pointsRight ? 90 : 0
+                }
+            }
+
+            DragIcon {
+                width: implicitWidth
+                height: implicitHeight
+                visible: root.page.hasDragIcon
+                page: root.page
+                tints: tints
+            }
+
+            Plate {
+                // The way that the icon takes.
+                x: root.page.pointsLeft ? -9 : root.page.pointsRight ? parent.width - 15 : parent.width / 2 - 12
+                y: root.page.pointsUp ? -11 : parent.height / 2 - 12
+                width: 24
+                height: 24
+                radius: 12
+                visible: root.page.hasDragIcon && root.points
+                color: "#2f7ff3"
+                bottomColor: "#1a5fd6"
+
+                Symbol {
+                    anchors.centerIn: parent
+                    name: Window.window === null ? "" : "arrow.up"
+                    pointSize: 11
+                    rotation: root.page.pointsLeft ? -90 : root.page.pointsRight ? 90 : 0
+                }
+            }
+        }
+
+        Item {
+            id: words
+
+            x: sign.visible && !root.isSignRight ? sign.x + sign.width + 18 : root.margin
+            y: root.margin + Math.max(0, Math.round(((sign.visible ? sign.height : 0) - height) / 2))
+            width: (sign.visible && root.isSignRight ? sign.x - 18 : root.width - root.margin) - x
+            height: ask.visible ? ask.y + ask.height : note.visible ? note.y + note.height : instructions.height
+
+            Paragraph {
+                id: instructions
+
+                width: parent.width
+                textFormat: Text.StyledText
+                text: Window.window === null ? root.page.spokenInstructions : root.page.instructions
+                color: tints.text
+                font.pixelSize: 15
+                lineHeight: 1.15
+                Accessible.name: root.page.spokenInstructions
+            }
+
+            MovingFigure {
+                id: spinner
+
+                y: note.visible ? note.y + 1 : instructions.height + 8
+                width: 14
+                height: 14
+                name: "spinner"
+                color: "white"
+                visible: root.page.isBusy
+                moves: root.page.animates
+                duration: 1000
+            }
+
+            Paragraph {
+                id: note
+
+                x: spinner.visible ? 21 : 0
+                y: instructions.height + 8
+                width: parent.width - x
+                visible: text !== ""
+                text: root.page.note
+                color: tints.secondary
+                font.pixelSize: 12
+            }
+
+            PushButton {
+                id: ask
+
+                y: (note.visible ? note.y + note.height : instructions.height) + 9
+                width: implicitWidth
+                height: implicitHeight
+                visible: root.page.askTitle !== ""
+                title: root.page.askTitle
+                tints: tints
+                isQuiet: true
+                showsFocus: root.page.showsFocus
+                onAction: root.page.askInstead()
+            }
+        }
+    }
+
+    Item {
+        id: footer
+
+        y: body.height
+        width: root.width
+        height: 50
+        visible: root.hasFooter && !root.page.hasSucceeded
+
+        Rectangle {
+            x: root.margin
+            width: parent.width - 2 * x
+            height: 1
+            color: tints.divider
+        }
+
+        PushButton {
+            x: root.margin
+            y: Math.round((footer.height - height) / 2)
+            width: implicitWidth
+            height: implicitHeight
+            visible: root.page.backTitle !== ""
+            title: root.page.backTitle
+            tints: tints
+            isQuiet: true
+            showsFocus: root.page.showsFocus
+            onAction: root.page.goBack()
+        }
+
+        PushButton {
+            x: footer.width - width - root.margin
+            y: Math.round((footer.height - height) / 2)
+            width: implicitWidth
+            height: implicitHeight
+            visible: root.page.doneTitle !== ""
+            title: root.page.doneTitle
+            tints: tints
+            isPrimary: true
+            showsFocus: root.page.showsFocus
+            onAction: root.page.done()
+        }
+    }
+
+    OneTimeFigure {
+        x: Math.round((root.width - width) / 2)
+        y: Math.round((root.height - height) / 2)
+        width: 84
+        height: 84
+        name: "success"
+        visible: root.page.hasSucceeded
+        shown: root.page.hasSucceeded
+        moves: root.page.animates
+        duration: 900
+        Accessible.role: Accessible.Graphic
+        Accessible.name: qsTr("Done")
+    }
+}

@@ -1,0 +1,98 @@
+import QtQuick
+import Plemora
+
+/// A button with a title: prominent, plain, or quiet as a link is.
+FocusScope {
+    id: root
+
+    required property string title
+    required property SetupTints tints
+    property string description
+    property string symbol
+    property bool isPrimary: false
+    property bool isQuiet: false
+    property bool isEnabled: true
+    property bool showsFocus: false
+    property real minimumWidth: isQuiet ? 0 : 76
+    readonly property color ink: isPrimary ? "white" : isQuiet ? tints.accentText : tints.text
+    readonly property bool isPressed: pointer.pressed && pointer.containsMouse
+
+    signal action
+
+    function act() {
+        if (isEnabled)
+            action();
+    }
+
+    implicitWidth: Math.max(minimumWidth, Math.ceil(label.implicitWidth) + (glyph.visible ? glyph.width + 5 : 0) + (isQuiet ? 0 : 32))
+    implicitHeight: isQuiet ? 20 : 30
+    activeFocusOnTab: isEnabled
+    Accessible.role: Accessible.Button
+    Accessible.name: title
+    Accessible.description: description
+    Accessible.focusable: isEnabled
+    Accessible.onPressAction: root.act()
+    Keys.onPressed: event => {
+        if (event.key === Qt.Key_Space || event.key === Qt.Key_Return || event.key === Qt.Key_Enter) {
+            root.act();
+            event.accepted = true;
+        }
+    }
+
+    Plate {
+        anchors.fill: parent
+        visible: !root.isQuiet
+        radius: height / 2
+        color: root.isPrimary ? (root.isPressed ? "#0f52bb" : hover.hovered ? "#2a7af5" : root.tints.accent) : root.isPressed ? root.tints.controlPressed : hover.hovered ? root.tints.controlHover : root.tints.control
+        opacity: root.isEnabled ? 1 : 0.5
+    }
+
+    FocusRing {
+        shown: root.activeFocus && root.showsFocus
+        anchors.margins: root.isQuiet ? -4 : -3
+        radius: root.isQuiet ? 6 : height / 2
+        border.color: root.tints.focus
+    }
+
+    Symbol {
+        id: glyph
+
+        x: Math.round((root.width - width - 5 - label.implicitWidth) / 2)
+        anchors.verticalCenter: parent.verticalCenter
+        // Not before there is a window, whose scale the picture is made for.
+        name: Window.window === null ? "" : root.symbol
+        visible: root.symbol !== ""
+        pointSize: 11
+        color: root.ink
+    }
+
+    Text {
+        id: label
+
+        x: glyph.visible ? glyph.x + glyph.width + 5 : Math.round((root.width - implicitWidth) / 2)
+        anchors.verticalCenter: parent.verticalCenter
+        text: root.title
+        color: root.ink
+        opacity: root.isEnabled ? 1 : 0.5
+        textFormat: Text.PlainText
+        font.family: Metrics.family
+        font.pixelSize: root.isQuiet ? 12 : 13
+        font.weight: Font.Medium
+        font.underline: root.isQuiet && hover.hovered && root.isEnabled
+        Accessible.ignored: true
+    }
+
+    HoverHandler {
+        id: hover
+
+        cursorShape: root.isQuiet && root.isEnabled ? Qt.PointingHandCursor : Qt.ArrowCursor
+    }
+
+    MouseArea {
+        id: pointer
+
+        anchors.fill: parent
+        anchors.margins: root.isQuiet ? -3 : 0
+        onClicked: root.act()
+    }
+}
