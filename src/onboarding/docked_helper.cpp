@@ -5,19 +5,15 @@
 #include <utility>
 
 #include "controlcenter/control_center_locator.h"
-#include "menubar/glass_panel.h"
 #include "menubar/layout_helpers.h"
-#include "menubar/status_item_controller.h"
-#include "menubar/window_animation.h"
-#include "menubar/window_spring.h"
 #include "onboarding/dock_placement.h"
 #include "onboarding/helper_page.h"
+#include "onboarding/helper_panel.h"
 #include "onboarding/ripple_panel.h"
 #include "platform/clock.h"
 #include "platform/file_drag.h"
 #include "platform/system_info.h"
 #include "platform/workspace.h"
-#include "skin/look/control_center_look.h"
 
 namespace plemora {
 
@@ -25,30 +21,13 @@ namespace {
 
 using Kind = HelperState::Kind;
 
-constexpr int floatingWindowLevel = 3;  // NSFloatingWindowLevel
-constexpr double cornerRadius = 20;     // points
-constexpr double usualHeight = 160;     // of content that does not know its own
-constexpr double drop = 34;             // out of the button
-constexpr double leaveDamping = 0.9;
-constexpr double leaveResponse = 0.42;
+constexpr double usualHeight = 160;  // points, of content that does not know its own
+constexpr double drop = 34;          // out of the button
 
 // Seconds.
 constexpr double fallbackTime = 3.0;
-constexpr double fadeTime = 0.2;
 constexpr double controlCenterInterval = 0.1;
 constexpr double retryTime = 1.5;  // in which the change is to be seen once edit mode was left
-
-PanelWindowOptions helperOptions() {
-  PanelWindowOptions options;
-  options.identifier = "setup-helper";
-  options.title = "Plemora Setup Helper";
-  options.level = floatingWindowLevel;
-  options.collectionBehavior =
-      windowCanJoinAllSpaces | windowIgnoresCycle | windowFullScreenAuxiliary;
-  options.animationBehavior = 2;
-  options.hasShadow = true;
-  return options;
-}
 
 std::array<Published<bool>*, 7> flagsOf(HelperState& state) {
   return {&state.isDragging,        &state.awaitingApproval,     &state.succeeded,
@@ -64,16 +43,6 @@ void setIfChanged(Published<T>& published, const T& value) {
 }
 
 }  // namespace
-
-struct DockedHelper::Shown {
-  PanelVisibility visibility;
-  std::shared_ptr<HostedView> content;
-  std::shared_ptr<GlassPanel> panel;
-  std::optional<VisibilityGate> gate;
-  std::optional<WindowSpring> spring;
-  std::optional<WindowAnimation> fade;
-  std::optional<HeightReader> heightReader;
-};
 
 DockedHelper::DockedHelper(const OnboardingServices& services, RipplePanel& ripple)
     : services_(services), ripple_(ripple), tracker_(services) {
@@ -132,61 +101,31 @@ const std::vector<Screen>& DockedHelper::screens() const {
 }
 
 GlassPanel* DockedHelper::panel() const {
-  return shown_ ? shown_->panel.get() : nullptr;
-}
-
-bool DockedHelper::makeShown() {
-  if (shown_) {
-    return true;
-  }
-  const auto& makeHelper = services_.contents.makeHelper;
-  const auto content = makeHelper ? makeHelper(view_) : nullptr;
-  if (!content) {
-    return false;
-  }
-  const MenuBarServices& desktop = services_.menuBar;
-  shown_ = std::make_unique<Shown>();
-  shown_->content = content;
-  shown_->panel = std::make_shared<GlassPanel>(desktop.windows, helperOptions(), content,
-                                               shown_->visibility, desktop.mainQueue);
-  shown_->panel->make(cornerRadius, GlassStyle(desktop.look.style("detailStyle", builtInDetail)));
-  shown_->panel->setRim(
-      std::make_unique<RimLayer>(StatusItemController::rimTop, StatusItemController::rimRest),
-      cornerRadius, StatusItemController::rimZPosition);
-  shown_->gate.emplace(shown_->visibility, content);
-  shown_->fade.emplace(shown_->panel, desktop.displayLinks, desktop.clock);
-  shown_->heightReader.emplace(content, [this](double height) { heightChanged(height); });
-  return true;
+  return panel_ ? &panel_->window() : nullptr;
 }
 
 void DockedHelper::present(Kind from, const Rect& rect) {
   stopFollowing();
   isLeaving_ = false;
   isDocked_ = false;
-  isFaded_ = false;
   settings_.reset();
   editEnd_.reset();
   resetState(from);
-  if (!makeShown()) {
+  if (!panel_) {
+    panel_ = HelperPanel::make(services_, view_, [this](double height) { heightChanged(height); });
+  }
+  if (!panel_) {
     return;
   }
-  const MenuBarServices& desktop = services_.menuBar;
-  const double fitting = shown_->content->fittingHeight();
+  const bool isControlCenter = from == Kind::controlCenter;
+  const double fitting = panel_->fittingHeight();
   height_ = fitting > 0 ? fitting : usualHeight;
   origin_ = {rect.midX() - DockPlacement::width / 2, rect.midY() - height_ / 2,
              DockPlacement::width, height_};
   trip_ = std::make_shared<int>();
-
-  GlassPanel& panel = *shown_->panel;
-  shown_->fade->stop();
-  shown_->spring.emplace(shown_->panel, desktop.displayLinks, desktop.clock);
-  panel.setIgnoresMouseEvents(false);
-  panel.setLevel(from == Kind::controlCenter ? popUpMenuWindowLevel : floatingWindowLevel);
-  panel.setFrame(origin_);
-  panel.setAlpha(0);
-  panel.orderFrontRegardless();
-  spring(origin_.offset(0, -(height_ / 2 + drop)), 1);
-  if (from == Kind::controlCenter) {
+  panel_->appear(origin_, isControlCenter ? popUpMenuWindowLevel : HelperPanel::floatingLevel);
+  panel_->spring(origin_.offset(0, -(height_ / 2 + drop)), 1);
+  if (isControlCenter) {
     startControlCenterTracking();
   } else {
     followSettings();
@@ -217,24 +156,17 @@ void DockedHelper::activated(std::int32_t pid) {
   const bool isSettings =
       application && application->bundleID == SettingsWindowTracker::settingsBundleID;
   if (isSettings || pid == services_.ownPid) {
-    shown_->panel->orderFrontRegardless();
+    panel_->window().orderFrontRegardless();
   } else {
-    shown_->panel->orderOut();
+    panel_->window().orderOut();
   }
-}
-
-/// Moves the panel, whose alpha the spring has from now on.
-void DockedHelper::spring(const Rect& frame, double alpha, std::function<void()> completion) {
-  shown_->fade->stop();
-  target_ = frame;
-  shown_->spring->animate(frame, alpha, std::move(completion));
 }
 
 /// System Settings has not come: the helper is to be seen all the same, out of the way of setup.
 void DockedHelper::standAlone() {
   fallbackWork_.reset();
   state.settingsMissing.set(true);
-  spring(DockPlacement::alone(origin_, height_, screens()), 1);
+  panel_->spring(DockPlacement::alone(origin_, height_, screens()), 1);
 }
 
 Rect DockedHelper::dockFrame(const Rect& under) {
@@ -244,12 +176,12 @@ Rect DockedHelper::dockFrame(const Rect& under) {
 }
 
 void DockedHelper::settingsMoved(const std::optional<Rect>& frame) {
-  if (!shown_ || isLeaving_) {
+  if (!panel_ || isLeaving_) {
     return;
   }
   if (!frame) {
     if (isDocked_) {
-      fade(true);
+      panel_->fade(true);
     }
     return;
   }
@@ -259,42 +191,25 @@ void DockedHelper::settingsMoved(const std::optional<Rect>& frame) {
   if (!isDocked_) {
     isDocked_ = true;
     fallbackWork_.reset();
-    spring(place, 1);
+    panel_->spring(place, 1);
     return;
   }
-  target_ = place;
-  shown_->spring->retarget(place);
-  if (isFaded_) {
-    fade(false);
-  }
-}
-
-/// A running spring goes on to where it was going, since it and the fade cannot both have the
-/// alpha.
-void DockedHelper::fade(bool isFaded) {
-  isFaded_ = isFaded;
-  const double alpha = isFaded ? 0 : 1;
-  shown_->panel->setIgnoresMouseEvents(isFaded);
-  if (shown_->spring->isRunning()) {
-    spring(target_, alpha);
-  } else {
-    shown_->fade->animateAlpha(alpha, fadeTime);
-  }
+  panel_->retarget(place);
+  panel_->fade(false);
 }
 
 void DockedHelper::heightChanged(double height) {
-  if (!shown_ || isLeaving_ || !(height > 0) || std::abs(height - height_) < 0.5) {
+  if (!panel_ || isLeaving_ || !(height > 0) || std::abs(height - height_) < 0.5) {
     return;
   }
   height_ = height;
+  Rect place = PinTop::frame(panel_->target(), height);
   if (settings_) {
-    target_ = dockFrame(*settings_);
+    place = dockFrame(*settings_);
   } else if (state.settingsMissing.get()) {
-    target_ = DockPlacement::alone(origin_, height, screens());
-  } else {
-    target_ = PinTop::frame(target_, height);
+    place = DockPlacement::alone(origin_, height, screens());
   }
-  shown_->spring->retarget(target_);
+  panel_->retarget(place);
 }
 
 void DockedHelper::startControlCenterTracking() {
@@ -305,25 +220,27 @@ void DockedHelper::startControlCenterTracking() {
 }
 
 void DockedHelper::updateControlCenter() {
-  if (!shown_ || isLeaving_) {
+  if (!panel_ || isLeaving_) {
     return;
   }
   const auto [panel, isEditing] = services_.locator.glance();
   const double now = services_.menuBar.clock.mediaTime();
   if (isEditing) {
     editEnd_.reset();
+    setIfChanged(state.controlCenterRetry, false);
   } else if (state.controlCenterEditing.get()) {
     editEnd_ = now;
+  } else if (editEnd_ && now - *editEnd_ >= retryTime) {
+    setIfChanged(state.controlCenterRetry, true);
   }
   setIfChanged(state.controlCenterEditing, isEditing);
   setIfChanged(state.controlCenterOpen, panel.has_value());
-  setIfChanged(state.controlCenterRetry, editEnd_ && now - *editEnd_ >= retryTime);
 
   if (panel || isEditing) {
     isDocked_ = true;
     const Rect frame = controlCenterFrame(panel, isEditing);
-    if (frame != target_) {
-      spring(frame, 1);
+    if (frame != panel_->target()) {
+      panel_->spring(frame, 1);
     }
   }
   const bool hasToOpen = !panel && !isEditing && !state.succeeded.get();
@@ -369,7 +286,7 @@ void DockedHelper::succeed(std::function<void()> then) {
   if (success_) {
     return;
   }
-  if (!shown_ || isLeaving_ || !shown_->panel->isOnScreen()) {
+  if (!panel_ || isLeaving_ || !panel_->window().isOnScreen()) {
     if (then) {
       then();
     }
@@ -389,25 +306,24 @@ void DockedHelper::leave(std::function<void()> completion) {
   if (isLeaving_) {
     return;
   }
-  if (!shown_ || !shown_->panel->isOnScreen()) {
+  if (!panel_ || !panel_->window().isOnScreen()) {
     end(std::move(completion));
     return;
   }
   isLeaving_ = true;
   stopFollowing();
-  shown_->spring->damping = leaveDamping;
-  shown_->spring->response = leaveResponse;
-  spring(origin_, 0,
-         [this, completion = std::move(completion)]() mutable { end(std::move(completion)); });
+  panel_->vanish(origin_, [this, completion = std::move(completion)]() mutable {
+    end(std::move(completion));
+  });
 }
 
 void DockedHelper::end(std::function<void()> completion) {
   stopFollowing();
   isLeaving_ = false;
   isDocked_ = false;
-  if (shown_) {
-    shown_->panel->orderOut();
-    shown_.reset();
+  if (panel_) {
+    panel_->window().orderOut();
+    panel_.reset();
   }
   if (completion) {
     completion();

@@ -18,6 +18,7 @@
 namespace plemora {
 
 class GlassPanel;
+class HelperPanel;
 class RipplePanel;
 
 /// A small panel that tells what to do for a step of setup. It drops out of the step's button, then
@@ -63,7 +64,7 @@ class DockedHelper {
   void leave(std::function<void()> completion = {});
 
   /// From present() on, until it has left; also while it is hidden behind another application.
-  bool isPresented() const { return shown_ != nullptr; }
+  bool isPresented() const { return panel_ != nullptr; }
   bool isDocked() const { return isDocked_; }
   bool isLeaving() const { return isLeaving_; }
 
@@ -75,9 +76,6 @@ class DockedHelper {
   GlassPanel* panel() const;
 
  private:
-  struct Shown;
-
-  bool makeShown();
   void connectView();
   void resetState(HelperState::Kind kind);
   void updatePage();
@@ -85,9 +83,7 @@ class DockedHelper {
   void stopFollowing();
   void activated(std::int32_t pid);
   void standAlone();
-  void fade(bool isFaded);
   Rect controlCenterFrame(const std::optional<ControlCenterWindow>& panel, bool isEditing) const;
-  void spring(const Rect& frame, double alpha, std::function<void()> completion = {});
   void dragIcon();
   void end(std::function<void()> completion);
   const std::vector<Screen>& screens() const;
@@ -96,16 +92,14 @@ class DockedHelper {
   RipplePanel& ripple_;
   HelperView view_;
   std::vector<Subscription> stateSubscriptions_;
-  std::unique_ptr<Shown> shown_;
+  std::unique_ptr<HelperPanel> panel_;  // null: it is not presented
   SettingsWindowTracker tracker_;
 
   Rect origin_;  // that the panel was presented at
-  Rect target_;  // where the panel is, or is going
   double height_ = 0;
   std::optional<Rect> settings_;  // where System Settings was last
   bool isDocked_ = false;
   bool isLeaving_ = false;
-  bool isFaded_ = false;           // System Settings is gone
   std::optional<double> editEnd_;  // media time at which Control Center's edit mode was left
 
   Subscription activationObserver_;
