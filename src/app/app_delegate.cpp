@@ -13,6 +13,7 @@
 #include "controlcenter/control_center_locator.h"
 #include "controlcenter/layout_record.h"
 #include "controlcenter/panel_url.h"
+#include "onboarding/onboarding_controller.h"
 #include "platform/accessibility.h"
 #include "platform/clock.h"
 #include "platform/control_reload.h"
@@ -26,8 +27,8 @@ namespace {
 using Anchor = StatusItemController::Anchor;
 
 // Keys of the settings.
-constexpr const char* soundReplacedKey = "soundReplaced";
-constexpr const char* didCompleteSetupKey = "didCompleteSetup";
+constexpr const char* soundReplacedKey = OnboardingController::soundReplacedKey;
+constexpr const char* didCompleteSetupKey = OnboardingController::didCompleteSetupKey;
 constexpr const char* tilesRefreshedKey = "tilesRefreshedForBuild";
 constexpr const char* controlsPrimedKey = "controlsPrimedForSystem";
 
@@ -59,6 +60,7 @@ void AppDelegate::applicationDidFinishLaunching() {
 void AppDelegate::startApp() {
   model_ = services_.makeModel();
   makeStatusItem();
+  makeOnboarding();
   makeSkin();
   makeDetail();
   wireSkinAndDetail();
@@ -81,6 +83,22 @@ void AppDelegate::makeStatusItem() {
   hooks.putSoundBack = [this] { services_.layout.putSoundBack(true); };
   statusItem_ = std::make_unique<StatusItemController>(*model_, services_.menuBar,
                                                        services_.makeContent, std::move(hooks));
+}
+
+void AppDelegate::makeOnboarding() {
+  onboarding_ = std::make_unique<OnboardingController>(
+      *model_, *statusItem_,
+      OnboardingServices{services_.menuBar, services_.layout, services_.locator,
+                         services_.preferences, services_.accessibility, services_.consent,
+                         services_.windowList, services_.system, services_.fileDrag,
+                         services_.onboardingContents});
+  onboarding_->prepareControls = [this](std::function<void()> done) {
+    prepareControls(std::move(done));
+  };
+  statusItem_->onSetUp = [this] {
+    statusItem_->close();
+    onboarding_->show();
+  };
 }
 
 void AppDelegate::makeSkin() {
@@ -130,6 +148,15 @@ bool AppDelegate::isReplacementWhole() const {
   } catch (const std::exception&) {
     return false;
   }
+}
+
+/// The program's tiles are new in Control Center, which restarts.
+void AppDelegate::prepareControls(std::function<void()> done) {
+  services_.menuBar.defaults.setString(tilesRefreshedKey, tileStamp());
+  later_.after(reloadDelay, [this, done = std::move(done)] {
+    services_.controlReload.reloadAllControls();
+    prime(ControlCenterPrimer::Absence::restarts, done);
+  });
 }
 
 /// A failure is nobody's to mend; the next start tries again.
@@ -195,6 +222,14 @@ void AppDelegate::handleArguments() {
                                      : ControlCenterPrimer::Absence::final,
           [this] { services_.print("primed"); });
   }
+  if (hasArgument("--test-helper")) {
+    onboarding_->testHelper();
+    return;
+  }
+  if (hasArgument("--setup") || !isSet(didCompleteSetupKey)) {
+    onboarding_->show();
+    return;
+  }
   if (hasArgument("--open")) {
     openLater(argumentDelay, Anchor::menuBar);
   }
@@ -231,6 +266,9 @@ void AppDelegate::applicationOpen(const std::vector<std::string>& urls) {
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
+  if (onboarding_) {
+    onboarding_->show();
+  }
   return false;
 }
 
@@ -241,6 +279,7 @@ void AppDelegate::applicationWillTerminate() {
   }
   skin_->stop();
   detail_->tearDown();
+  onboarding_->tearDown();
   if (!isSet(soundReplacedKey)) {
     return;
   }

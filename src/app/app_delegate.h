@@ -10,22 +10,27 @@
 #include "controlcenter/tile_signal.h"
 #include "menubar/menu_bar_services.h"
 #include "menubar/status_item_controller.h"
+#include "onboarding/onboarding_services.h"
 #include "skin/control_center_detail.h"
 #include "skin/control_center_skin.h"
 
 namespace plemora {
 
 class Accessibility;
+class ConsentService;
 class ControlCenterLayout;
 class ControlCenterLocator;
 class ControlReload;
 class DarwinNotifications;
+class FileDrag;
 class Files;
 class LaunchAtLogin;
+class OnboardingController;
 class Preferences;
 class Resources;
 class SerialQueueFactory;
 class SystemInfo;
+class WindowList;
 
 /// The world as the whole program needs it. All of it outlives the AppDelegate.
 struct AppServices {
@@ -34,6 +39,9 @@ struct AppServices {
   Preferences& preferences;  ///< those that the layout is kept in
   const ControlCenterLocator& locator;
   Accessibility& accessibility;
+  ConsentService& consent;
+  WindowList& windowList;
+  FileDrag& fileDrag;
   DarwinNotifications& notifications;
   ControlReload& controlReload;
   SystemInfo& system;
@@ -50,6 +58,8 @@ struct AppServices {
   /// See ControlCenterSkin. Called for the overlay over the module, and for the panel that grows
   /// out of it.
   MakeModuleView makeModuleView;
+  /// What draws setup.
+  OnboardingContents onboardingContents;
   /// Writes a line to the standard output; the line end is not part of the text.
   std::function<void(const std::string&)> print;
   /// Ends the process with that status, without applicationWillTerminate. May return, in a world
@@ -59,8 +69,9 @@ struct AppServices {
 
 /// The program's own logic from its start to its end: makes the long-lived objects in a fixed order
 /// and wires them, keeps the program's control in its place in Control Center across updates,
-/// understands launch arguments and URLs, and puts the system's Sound module back when the program
-/// quits. Main thread; what it has put off is dropped when it goes.
+/// shows setup to who has not been through it, understands launch arguments and URLs, and puts the
+/// system's Sound module back when the program quits. Main thread; what it has put off is dropped
+/// when it goes.
 class AppDelegate {
  public:
   explicit AppDelegate(AppServices services);
@@ -80,12 +91,14 @@ class AppDelegate {
   /// Null until start-up has made them.
   MixerModel* model() { return model_.get(); }
   StatusItemController* statusItem() { return statusItem_.get(); }
+  OnboardingController* onboarding() { return onboarding_.get(); }
   ControlCenterSkin* skin() { return skin_.get(); }
   ControlCenterDetail* detail() { return detail_.get(); }
 
  private:
   void startApp();
   void makeStatusItem();
+  void makeOnboarding();
   void makeSkin();
   void makeDetail();
   void wireSkinAndDetail();
@@ -93,6 +106,7 @@ class AppDelegate {
   bool repairReplacement();
   bool refreshTilesAfterUpdate();
   void primeAfterSystemUpdate();
+  void prepareControls(std::function<void()> done);
   bool runScript();
   void handleArguments();
 
@@ -109,6 +123,7 @@ class AppDelegate {
   TileSignal tileSignal_;
   std::shared_ptr<MixerModel> model_;
   std::unique_ptr<StatusItemController> statusItem_;
+  std::unique_ptr<OnboardingController> onboarding_;
   std::unique_ptr<ControlCenterSkin> skin_;
   std::unique_ptr<ControlCenterDetail> detail_;
   bool hasRestartedControlCenter_ = false;  // a moment ago, in this start-up

@@ -121,6 +121,7 @@ TEST(AppArgumentsTest, PrimingWaitsForTheControlCenterThatStartUpHasRestarted) {
   AppWorld world;
   world.storeLayout(2, false);
   world.defaults.setBoolean("soundReplaced", true);
+  world.defaults.setBoolean("didCompleteSetup", false);  // or start-up primes by itself, too
   world.launch({"--prime-controls"});
   ASSERT_THAT(world.events.lines, Contains("0.00 restart"));
   world.pass(1);

@@ -36,6 +36,7 @@
 #include "controlcenter/control_center_layout.h"
 #include "controlcenter/control_center_locator.h"
 #include "controlcenter/layout_record.h"
+#include "platform/file_drag.h"
 #include "skin/look/control_center_look.h"
 #include "support/obedient_control_center.h"
 
@@ -123,6 +124,11 @@ struct AppWorld : AudioWorld {
     }
   };
 
+  /// Nothing can be dragged.
+  struct Drag : FileDrag {
+    bool begin(const std::string&, std::function<void(bool)>) override { return false; }
+  };
+
   EventLog events{clock};
   ScriptedAppearance appearance;
   Application application{events};
@@ -145,6 +151,7 @@ struct AppWorld : AudioWorld {
   ScriptedWindowList windowList;
   Accessibility accessibility{events};
   MemoryResources resources;
+  Drag fileDrag;
   ObedientControlCenter center{main, workspace, accessibility, windowList};
   ControlCenterLayout layout{preferences, files, clock, workspace};
   ControlCenterLocator locator{screens, windowList, accessibility, preferences, workspace};
@@ -152,6 +159,7 @@ struct AppWorld : AudioWorld {
 
   AppWorld() {
     storeFreshLayout(stored);
+    defaults.setBoolean("didCompleteSetup", true);
     center.launch();
     center.appear();
     center.pressed = [this](const std::string& what) { events.note("press " + what); };
@@ -173,6 +181,8 @@ struct AppWorld : AudioWorld {
 
   bool isLayoutUnreadable = false;
 
+  static std::shared_ptr<HostedView> view() { return std::make_shared<ScriptedHostedView>(); }
+
   AppDelegate& make() {
     delegate.reset();
     delegate.emplace(AppServices{
@@ -182,6 +192,9 @@ struct AppWorld : AudioWorld {
         .preferences = preferences,
         .locator = locator,
         .accessibility = accessibility,
+        .consent = consent,
+        .windowList = windowList,
+        .fileDrag = fileDrag,
         .notifications = notifications,
         .controlReload = reload,
         .system = system,
@@ -197,6 +210,10 @@ struct AppWorld : AudioWorld {
             },
         .makeContent = [](PanelView&) { return std::make_shared<ScriptedHostedView>(); },
         .makeModuleView = [](SkinState&) { return std::make_shared<ScriptedHostedView>(); },
+        .onboardingContents = {.makeSetup = [](SetupView&) { return view(); },
+                               .makeHelper = [](HelperView&) { return view(); },
+                               .makeCallout = [](CalloutView&) { return view(); },
+                               .makeRipple = [] { return view(); }},
         .print = [this](const std::string& line) { events.note("print " + line); },
         .exit = [this](int status) { events.note("exit " + std::to_string(status)); },
     });
@@ -227,7 +244,6 @@ struct AppWorld : AudioWorld {
   void setUp() {
     storeLayout(2, false);
     defaults.setBoolean("soundReplaced", true);
-    defaults.setBoolean("didCompleteSetup", true);
   }
   std::size_t tiles() { return ControlCenterLayout::Layout::read(stored).mixerElements().size(); }
   bool hasSound() { return ControlCenterLayout::Layout::read(stored).soundElement() != nullptr; }

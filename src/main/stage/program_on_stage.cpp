@@ -31,6 +31,12 @@ StageControlExtension controlExtension(StageWorld& world) {
               }};
 }
 
+/// For a face that draws no setup.
+OnboardingContents undrawnOnboarding() {
+  const auto view = [](auto&...) { return std::make_shared<ScriptedHostedView>(); };
+  return {view, view, view, view};
+}
+
 }  // namespace
 
 /// What lives as long as the process.
@@ -102,27 +108,32 @@ AppServices ProgramOnStage::services(Run& run, const std::vector<std::string>& a
                               arguments,      desktop.program.pid()};
     return face_.makeModel ? face_.makeModel(mixer) : std::make_shared<MixerModel>(mixer);
   };
-  return {menuBar,
-          run.layout,
-          run.preferences,
-          run.locator,
-          desktop.accessibility,
-          world_.notifications,
-          world_.controlReload,
-          desktop.systemInfo,
-          run.launchAtLogin,
-          desktop.queues,
-          world_.files,
-          face_.resources != nullptr ? *face_.resources : run.resources,
-          arguments,
-          makeModel,
-          [this, &run](PanelView& view) { return face_.makeContent(view, run.look); },
-          [this, &run](SkinState& state) {
-            return face_.makeModuleView ? face_.makeModuleView(state, run.look)
-                                        : std::make_shared<ScriptedHostedView>();
-          },
-          [this](const std::string& line) { printed_.push_back(line); },
-          [this](int status) { later([this, status] { end(status); }); }};
+  return {
+      menuBar,
+      run.layout,
+      run.preferences,
+      run.locator,
+      desktop.accessibility,
+      desktop.consent,
+      desktop.windowServer,
+      desktop.fileDrag,
+      world_.notifications,
+      world_.controlReload,
+      desktop.systemInfo,
+      run.launchAtLogin,
+      desktop.queues,
+      world_.files,
+      face_.resources != nullptr ? *face_.resources : run.resources,
+      arguments,
+      makeModel,
+      [this, &run](PanelView& view) { return face_.makeContent(view, run.look); },
+      [this, &run](SkinState& state) {
+        return face_.makeModuleView ? face_.makeModuleView(state, run.look)
+                                    : std::make_shared<ScriptedHostedView>();
+      },
+      face_.makeOnboardingContents ? face_.makeOnboardingContents(run.look) : undrawnOnboarding(),
+      [this](const std::string& line) { printed_.push_back(line); },
+      [this](int status) { later([this, status] { end(status); }); }};
 }
 
 void ProgramOnStage::start(const std::vector<std::string>& arguments) {

@@ -18,6 +18,8 @@ struct ProgramFace {
   std::function<std::shared_ptr<HostedView>(PanelView&, const ControlCenterLook&)> makeContent;
   /// Empty: modules are not drawn.
   std::function<std::shared_ptr<HostedView>(SkinState&, const ControlCenterLook&)> makeModuleView{};
+  /// What draws setup; empty: nothing is drawn, and it runs all the same.
+  std::function<OnboardingContents(const ControlCenterLook&)> makeOnboardingContents{};
   /// What comes with the program; outlives it. Null: nothing.
   Resources* resources = nullptr;
   /// Makes the mixer of a run, which may exchange services for others; empty: the stage's are used.
