@@ -9,7 +9,6 @@
 #include "adapters/stage/faulty_stores.h"
 #include "controlcenter/layout_world.h"
 #include "support/faulty_disk.h"
-#include "support/temporary_folder.h"
 
 // Every step of every command fails once, fails for good, and is the last before the program is
 // killed. Afterwards both values are the old ones or both the new ones, or the same command makes
@@ -46,18 +45,6 @@ class MemoryStorage : public Storage {
  private:
   std::shared_ptr<PreferenceStore> store_ = std::make_shared<PreferenceStore>();
   MemoryFiles files_;
-};
-
-class DiskStorage : public Storage {
- public:
-  std::unique_ptr<Preferences> preferences() override {
-    return std::make_unique<PropertyListPreferences>(folder_.path(), "host");
-  }
-  Files& files() override { return files_; }
-
- private:
-  TemporaryFolder folder_;
-  DiskFiles files_{(folder_.path() / "Application Support").string()};
 };
 
 /// A disk whose single operations fail, and that loses what was not synced.
@@ -310,10 +297,6 @@ class Steps : public testing::TestWithParam<const Case*> {
 TEST_P(Steps, InMemory) {
   forEverySeamCall([] { return std::make_unique<MemoryStorage>(); },
                    {Flush::none, Flush::controls, Flush::boxes, Flush::both});
-}
-
-TEST_P(Steps, OnRealFiles) {
-  forEverySeamCall([] { return std::make_unique<DiskStorage>(); }, {Flush::none});
 }
 
 // Down to the single operation on the disk, with the power gone at once or the operation failing.

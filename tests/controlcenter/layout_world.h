@@ -1,8 +1,6 @@
 #pragma once
 
-#include <memory>
 #include <string>
-#include <utility>
 
 #include "adapters/stage/fresh_layout.h"
 #include "adapters/stage/memory_files.h"
@@ -18,7 +16,6 @@
 namespace plemora {
 
 using Layout = ControlCenterLayout::Layout;
-using LayoutFailure = ControlCenterLayout::Failure;
 
 /// Puts both values where Control Center keeps them.
 inline void storeLayout(Preferences& preferences, const StoredLayout& layout) {
@@ -76,21 +73,6 @@ struct LayoutWorld {
   Layout read() { return Layout::read(preferences); }
   void store(const Layout& changed) { storeLayout(preferences, changed.encode()); }
 };
-
-/// All that a layout holds, as text; its bytes may differ where the content does not.
-inline std::string contentOf(const StoredLayout& stored) {
-  Layout layout = Layout::decode(stored);
-  layout.boxes[0].erase("displayablesData");
-  for (const char* key : {"modules", "chronoControls"}) {
-    layout.displayables.removeMember(key);
-  }
-  std::string text = layoutJsonText(layout.boxes) + layoutJsonText(layout.controlsRoot) +
-                     layout.displayables.xml();
-  for (const auto* lists : {&layout.modules, &layout.chronoControls}) {
-    text += PropertyList::array(*lists).xml();
-  }
-  return text;
-}
 
 /// What it throws, in words; empty when it does not.
 template <class Work>

@@ -20,34 +20,6 @@ using ElementID = ScriptedAccessibility::ElementID;
 constexpr const char* domain = "com.apple.controlcenter";
 constexpr const char* identifier = "com.apple.menuextra.controlcenter";
 
-TEST(AccessibilityHelpersTest, GiveWhatIsOfTheRightKindAndNothingElse) {
-  ScriptedAccessibility accessibility;
-  const ElementID element = accessibility.make({{"text", "words"}, {"number", 3.0}});
-  const auto reference = accessibility.reference(element);
-  EXPECT_EQ(accessibility::string(*reference, "text"), "words");
-  EXPECT_EQ(accessibility::string(*reference, "number"), std::nullopt);
-  EXPECT_EQ(accessibility::string(*reference, "nothing"), std::nullopt);
-
-  EXPECT_EQ(accessibility::frame(*reference), std::nullopt);
-  accessibility.set(element, "AXSize", Size{3, 4});
-  EXPECT_EQ(accessibility::frame(*reference), std::nullopt) << "no position";
-  accessibility.set(element, "AXPosition", Size{1, 2});
-  EXPECT_EQ(accessibility::frame(*reference), std::nullopt) << "a size for a position";
-  accessibility.set(element, "AXPosition", Point{1, 2});
-  EXPECT_EQ(accessibility::frame(*reference), (Rect{1, 2, 3, 4}));
-  accessibility.set(element, "AXSize", Point{3, 4});
-  EXPECT_EQ(accessibility::frame(*reference), std::nullopt) << "a point for a size";
-
-  EXPECT_THAT(accessibility::elements(*reference, "AXChildren"), IsEmpty());
-  EXPECT_THAT(accessibility::elements(*reference, "text"), IsEmpty());
-  accessibility.set(element, "AXChildren", std::vector{ElementID::none, element, ElementID::none});
-  const auto children = accessibility::elements(*reference, "AXChildren");
-  ASSERT_EQ(children.size(), 1U) << "null elements are none";
-  EXPECT_EQ(accessibility::string(*children[0], "text"), "words");
-  accessibility.set(element, "AXChildren", element);
-  EXPECT_THAT(accessibility::elements(*reference, "AXChildren"), IsEmpty()) << "not a list";
-}
-
 TEST(LocatorTest, ListsControlCentersWindowsOfWhichEverythingIsKnown) {
   World world;
   EXPECT_THAT(world.locator.controlCenterWindows(), IsEmpty());
@@ -364,16 +336,9 @@ TEST(LocatorTest, TheMixersControlIsToldByTheExtensionInsideItsIdentity) {
             true},
            {R"({"Controls":[{"ControlIdentity":)" + foreign + "}]}", false},
            {R"({"Controls":[{"ControlIdentity":"com.quorvane.mixer.controls"}]})", false},
-           {R"({"Controls":[{"ControlIdentity":"*)" + ours.substr(1) + "}]}", false},
-           {R"({"Controls":[{"ControlIdentity":[)" + ours + "]}]}", false},
-           {R"({"Controls":[{"Identity":)" + ours + "}]}", false},
            {R"({"Controls":[1,{"ControlIdentity":)" + ours + "}]}", false},
-           {R"({"Controls":{"ControlIdentity":)" + ours + "}}", false},
-           {R"({"controls":[{"ControlIdentity":)" + ours + "}]}", false},
            {R"([{"ControlIdentity":)" + ours + "}]", false},
            {R"({"Controls":[{"ControlIdentity":)" + ours + "}]", false},  // cut
-           {R"({"Controls":[]})", false},
-           {"null", false},
            {"", false},
        }) {
     World world;

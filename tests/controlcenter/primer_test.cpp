@@ -354,19 +354,5 @@ TEST(PrimerTest, TheEditButtonIsTheLowestWithoutAnIdentifier) {
   }
 }
 
-TEST(PrimerTest, ControlIsTheFirstRunningControlCenter) {
-  PrimerWorld world;
-  EXPECT_EQ(world.primer->control(), nullptr);
-  EXPECT_EQ(world.primer->editButton(), nullptr);
-  world.launch(10, "com.apple.controlcenter.other");
-  EXPECT_EQ(world.primer->control(), nullptr);
-  world.launch();
-  world.launch(400);
-  world.accessibility.set(world.accessibility.root(PrimerWorld::pid), "mark", "first");
-  const auto control = world.primer->control();
-  ASSERT_NE(control, nullptr);
-  EXPECT_EQ(accessibility::string(*control, "mark"), "first");
-}
-
 }  // namespace
 }  // namespace plemora
