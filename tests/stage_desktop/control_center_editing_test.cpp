@@ -73,19 +73,6 @@ TEST_F(ControlCenterEditing, StoresWhatTheUserEditsAndKeepsTheRest) {
   EXPECT_TRUE(center().couldStore());
 }
 
-TEST_F(ControlCenterEditing, TellsWhenAnEditCouldNotBeStored) {
-  openCenter();
-  center().pressEditButton();
-  systemPreferences.gate = [](const std::string& call) { return !call.starts_with("synchronize"); };
-  EXPECT_TRUE(center().removeTile(module("Sound").id));
-  EXPECT_FALSE(center().couldStore());
-  EXPECT_NE(stored().module("Sound"), nullptr);
-  systemPreferences.gate = nullptr;
-  EXPECT_TRUE(center().removeTile(module("Display").id));
-  EXPECT_TRUE(center().couldStore());
-  EXPECT_EQ(stored().module("Sound"), nullptr) << "what waited is stored with it";
-}
-
 TEST_F(ControlCenterEditing, ComplainsOfALayoutThatCannotBeRight) {
   const auto complaintsAfter = [&](const std::string& from, const std::string& to) {
     FreshLayout layout = freshLayout();

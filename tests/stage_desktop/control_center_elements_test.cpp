@@ -107,68 +107,6 @@ TEST_F(ControlCenterElements, StandWhereTheirThingsAreDrawn) {
   EXPECT_EQ(read<double>(*slider, "AXValue"), 0.5);
 }
 
-TEST_F(ControlCenterElements, TheEditButtonHasNoIdentifierAndIsTheLowest) {
-  openCenter();
-  const auto button = editButton();
-  ASSERT_NE(button, nullptr);
-  int nameless = 0;
-  for (const auto& element : everything()) {
-    nameless += text(*element, "AXRole") == "AXButton" && !element->attribute("AXIdentifier");
-  }
-  EXPECT_GT(nameless, 1) << "it is not the only one without";
-  EXPECT_EQ(frameOf(*button), desktop->space.flipped(center().panel().editButton));
-  ASSERT_TRUE(button->perform("AXPress"));
-  EXPECT_TRUE(center().isEditing());
-  // So it is in edit mode, and the element that was found before still is that button.
-  EXPECT_EQ(frameOf(*editButton()), frameOf(*button));
-  ASSERT_TRUE(button->perform("AXPress"));
-  EXPECT_FALSE(center().isEditing());
-}
-
-TEST_F(ControlCenterElements, EditModeHasButtonsThatAddAndRemove) {
-  openCenter();
-  editButton()->perform("AXPress");
-  const auto remove = find("remove-" + module("Sound").id);
-  ASSERT_NE(remove, nullptr);
-  EXPECT_TRUE(remove->perform("AXPress"));
-  EXPECT_EQ(center().grid().module("Sound"), nullptr);
-  EXPECT_FALSE(remove->perform("AXPress")) << "its tile is gone";
-  ASSERT_NE(find("gallery-Sound"), nullptr);
-  EXPECT_TRUE(find("gallery-Sound")->perform("AXPress"));
-  EXPECT_NE(center().grid().module("Sound"), nullptr);
-}
-
-TEST_F(ControlCenterElements, AThirdPartysTileIsNamedAfterItsExtensionOnceItIsShown) {
-  addNewControl();
-  openCenter();
-  const std::string identifier = "org.example.radio.controls:org.example.radio.play";
-  EXPECT_EQ(find(identifier), nullptr);
-  for (const auto& element : everything()) {
-    EXPECT_TRUE(element->attribute("AXRole")) << "what is not there is not listed";
-  }
-  enterAndLeaveEditMode();
-  const auto tile = find(identifier);
-  ASSERT_NE(tile, nullptr);
-  EXPECT_TRUE(tile->perform("AXPress"));
-  desktop->settle();
-  EXPECT_EQ(presses, 1);
-}
-
-TEST_F(ControlCenterElements, BelongToOneRunOfTheProcess) {
-  openCenter();
-  const auto root = application();
-  const auto button = editButton();
-  const auto item = menuItem();
-  restartCenter();
-  openCenter();
-  EXPECT_FALSE(root->attribute("AXWindows"));
-  EXPECT_FALSE(button->attribute("AXRole"));
-  EXPECT_FALSE(button->perform("AXPress"));
-  EXPECT_FALSE(item->perform("AXPress"));
-  EXPECT_FALSE(center().isEditing());
-  EXPECT_NE(editButton(), nullptr);
-}
-
 /// Opens Control Center by its element, looks at everything, and presses its edit button twice.
 TEST_F(ControlCenterElements, AreSafeToUseWhateverVanishesAtWhateverStep) {
   const std::vector<std::function<void()>> misfortunes{

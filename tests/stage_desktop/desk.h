@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "adapters/stage/desktop/stage_desktop.h"
-#include "adapters/stage/faulty_stores.h"
 #include "adapters/stage/fresh_layout.h"
 #include "adapters/stage/memory_preferences.h"
 #include "platform/window_list.h"
@@ -29,8 +28,7 @@ class Desk : public testing::Test {
  protected:
   std::shared_ptr<PreferenceStore> store = std::make_shared<PreferenceStore>();
   MemoryPreferences programPreferences{store};
-  MemoryPreferences storedForSystem{store};
-  FaultyPreferences systemPreferences{storedForSystem};
+  MemoryPreferences systemPreferences{store};
   std::unique_ptr<StageDesktop> desktop;
   int presses = 0;  // of the app's control
 

@@ -7,7 +7,6 @@ namespace plemora {
 
 namespace {
 
-using testing::DoubleNear;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
@@ -34,25 +33,6 @@ class Desktop : public Desk {
   }
 };
 
-TEST_F(Desktop, RunsTimersFramesAndOtherQueuesInTheirOrder) {
-  std::vector<std::string> seen;
-  const auto queue = desktop->queues.makeQueue("work");
-  const Timer late = desktop->mainQueue.after(0.3, [&] { seen.push_back("late"); });
-  const Timer early = desktop->mainQueue.after(0.1, [&] {
-    seen.push_back("early");
-    queue->async([&] {
-      seen.push_back("work");
-      desktop->mainQueue.async([&] { seen.push_back("back"); });
-    });
-  });
-  int frames = 0;
-  const auto link = desktop->displayLinks.makeLink(1, [&] { ++frames; });
-  desktop->advance(0.5);
-  EXPECT_THAT(seen, ElementsAre("early", "work", "back", "late"));
-  EXPECT_THAT(frames, testing::AllOf(testing::Ge(29), testing::Le(30)));
-  EXPECT_THAT(desktop->clock.mediaTime(), DoubleNear(0.5, 1e-9));
-}
-
 TEST_F(Desktop, SystemSettingsOpensAtThePaneOfALink) {
   struct Case {
     const char* link;
@@ -69,26 +49,6 @@ TEST_F(Desktop, SystemSettingsOpensAtThePaneOfALink) {
     EXPECT_EQ(desktop->settings.pane(), pane) << link;
   }
   EXPECT_FALSE(desktop->workspace.openURL("nobody:knows"));
-  const auto pid = desktop->settings.pid();
-  EXPECT_EQ(desktop->workspace.runningApplication(pid)->bundleID, "com.apple.systempreferences");
-  EXPECT_EQ(desktop->workspace.frontmost().get(), pid);
-  EXPECT_THAT(dockNames(), ElementsAre("System Settings"));
-
-  ASSERT_EQ(windowsOf(StageWindowKind::settings).size(), 1U);
-  const Rect frame = desktop->settings.frame();
-  const Point title{frame.midX(), frame.maxY() - 20};
-  desktop->drag(title, {title.x + 30, title.y - 50});
-  EXPECT_EQ(desktop->settings.frame(), frame.offset(30, -50));
-  EXPECT_EQ(windowsOf(StageWindowKind::settings)[0].bounds,
-            desktop->space.flipped(frame.offset(30, -50)));
-  desktop->click(middle(desktop->settings.closeButton()));
-  EXPECT_FALSE(desktop->settings.isOpen());
-  EXPECT_FALSE(desktop->workspace.runningApplication(pid));
-  EXPECT_THAT(windowsOf(StageWindowKind::settings), IsEmpty());
-  EXPECT_EQ(desktop->workspace.frontmost().get(), -1);
-  desktop->settings.show(Pane::sound);
-  desktop->workspace.forceTerminate(desktop->settings.pid());
-  EXPECT_FALSE(desktop->settings.isOpen());
 }
 
 TEST_F(Desktop, TheSwitchesOfSystemSettingsChangeTheWorld) {
@@ -125,40 +85,6 @@ TEST_F(Desktop, TheSwitchesOfSystemSettingsChangeTheWorld) {
   desktop->click(rowOf("Headphones"));
   EXPECT_EQ(desktop->hal.defaultOutput(), headphones);
   EXPECT_FALSE(desktop->settings.setRow("Nothing", true));
-}
-
-TEST_F(Desktop, AsksTheUserForConsentInAPrompt) {
-  std::vector<bool> answers;
-  const auto ask = [&] {
-    desktop->consent.request("service", [&](bool granted) { answers.push_back(granted); });
-  };
-  EXPECT_THAT(windowsOf(StageWindowKind::prompt), IsEmpty());
-  ask();
-  ASSERT_EQ(windowsOf(StageWindowKind::prompt).size(), 1U);
-  desktop->click({desktop->prompt.frame().midX(), desktop->prompt.frame().maxY() - 5});
-  EXPECT_TRUE(desktop->prompt.isOpen());
-  desktop->click(middle(desktop->prompt.allowButton()));
-  EXPECT_FALSE(desktop->prompt.isOpen());
-  ask();
-  desktop->click(middle(desktop->prompt.denyButton()));
-  EXPECT_THAT(answers, ElementsAre(true, false));
-}
-
-TEST_F(Desktop, TheDockShowsRegularApplicationsAndReopensTheProgram) {
-  int reopened = 0;
-  desktop->program.onReopen = [&] { ++reopened; };
-  EXPECT_THAT(dockNames(), IsEmpty());
-  desktop->program.setActivationPolicy(ActivationPolicy::regular);
-  desktop->players.start("org.example.tunes", "Tunes");
-  EXPECT_THAT(dockNames(), ElementsAre("Program", "Tunes"));
-  desktop->click(middle(desktop->dock.iconFrame(1)));
-  EXPECT_EQ(desktop->workspace.frontmost().get(), desktop->players.find("org.example.tunes")->pid);
-  EXPECT_EQ(reopened, 0);
-  desktop->click(middle(desktop->dock.iconFrame(0)));
-  EXPECT_EQ(desktop->workspace.frontmost().get(), desktop->program.pid());
-  EXPECT_EQ(reopened, 1);
-  desktop->program.setActivationPolicy(ActivationPolicy::accessory);
-  EXPECT_THAT(dockNames(), ElementsAre("Tunes"));
 }
 
 TEST_F(Desktop, PlayersSoundOnTheirDeviceUntilTheyPauseOrEnd) {
@@ -199,65 +125,6 @@ TEST_F(Desktop, PlayersSoundOnTheirDeviceUntilTheyPauseOrEnd) {
   desktop->players.stop("org.example.film");
   EXPECT_THAT(windowsOf(StageWindowKind::player), IsEmpty());
   EXPECT_THAT(dockNames(), IsEmpty());
-}
-
-TEST_F(Desktop, WindowsOfAppsComeForwardWhenTheyArePressedAndAreDragged) {
-  desktop->players.start("org.example.tunes", "Tunes");
-  desktop->players.start("org.example.film", "Film");
-  const auto front = [&] { return windowsOf(StageWindowKind::player)[0].ownerName; };
-  EXPECT_EQ(front(), "Film");
-  const Rect frame = desktop->players.find("org.example.tunes")->frame;
-  const Point corner{frame.minX() + 5, frame.minY() + 5};
-  desktop->drag(corner, {corner.x + 100, corner.y + 50});
-  EXPECT_EQ(front(), "Tunes");
-  EXPECT_EQ(desktop->players.find("org.example.tunes")->frame, frame.offset(100, 50));
-  EXPECT_TRUE(desktop->players.find("org.example.tunes")->isPlaying);
-}
-
-TEST_F(Desktop, HasScreensThatComeAndGo) {
-  openCenter();
-  desktop->settings.show(StageSettings::Pane::sound);
-  desktop->screens.set({StageDesktop::makeScreen(1, {0, 0, 1440, 900}, 2, true),
-                        StageDesktop::makeScreen(2, {1440, 200, 800, 600}, 1, false)});
-  const auto bars = windowsOf(StageWindowKind::menuBar);
-  ASSERT_EQ(bars.size(), 2U);
-  EXPECT_EQ(bars[0].bounds, (Rect{1440, 100, 800, 24}));
-  EXPECT_EQ(bars[1].bounds, (Rect{0, 0, 1440, 24}));
-  EXPECT_EQ(desktop->menuBar.extra("com.apple.menuextra.controlcenter")->frame.maxX(), 1440 - 182);
-
-  // The other one becomes the main one: everything that hangs on it moves there.
-  desktop->screens.set({StageDesktop::makeScreen(2, {0, 0, 800, 600}, 1, true)});
-  EXPECT_EQ(desktop->menuBar.extra("com.apple.menuextra.controlcenter")->frame.maxX(), 800 - 182);
-  EXPECT_EQ(windowsOf(StageWindowKind::controlCenter)[0].bounds->maxX(), 800 - 8);
-  EXPECT_EQ(desktop->dock.frame().midX(), 400);
-
-  desktop->screens.set({});
-  EXPECT_THAT(desktop->windowServer.onScreenWindows(), IsEmpty());
-  desktop->click({100, 100});
-  desktop->advance(0.1);
-  desktop->screens.set({StageDesktop::makeScreen(1, {0, 0, 1440, 900}, 2, true)});
-  EXPECT_THAT(windowsOf(StageWindowKind::settings), Not(IsEmpty()));
-}
-
-TEST_F(Desktop, TheProgramIsAnApplicationThatStartsEndsAndIsKilled) {
-  int killed = 0;
-  desktop->program.onKilled = [&] { ++killed; };
-  const auto first = desktop->program.pid();
-  EXPECT_EQ(desktop->workspace.runningApplication(first)->localizedName, "Program");
-  desktop->program.end();
-  EXPECT_FALSE(desktop->program.isRunning());
-  EXPECT_FALSE(desktop->workspace.runningApplication(first));
-  desktop->program.start("org.example.program", "Program");
-  EXPECT_NE(desktop->program.pid(), first);
-  EXPECT_EQ(killed, 0);
-  EXPECT_TRUE(desktop->workspace.forceTerminate(desktop->program.pid()));
-  EXPECT_EQ(killed, 1);
-  EXPECT_FALSE(desktop->program.isRunning());
-
-  const auto window = showPanel({0, 0, 10, 10});
-  EXPECT_EQ(desktop->program.windows().size(), 1U);
-  EXPECT_TRUE(desktop->program.windows()[0].isVisible);
-  EXPECT_EQ(desktop->program.windows()[0].identifier, "panel");
 }
 
 TEST_F(Desktop, WhatTheProgramHoldsMayOutliveIt) {

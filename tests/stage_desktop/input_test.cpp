@@ -130,29 +130,6 @@ TEST_F(Input, AWindowThatGoesInItsMonitorGetsNoPress) {
   EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved));
 }
 
-TEST_F(Input, ADragStaysWithTheWindowThatItBeganIn) {
-  const auto window = showPanel({100, 100, 200, 200});
-  const auto client = clientIn(*window);
-  const auto other = showPanel({400, 100, 200, 200});
-  const auto otherClient = clientIn(*other);
-  desktop->drag({150, 150}, {450, 150}, 0.05);
-  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::moved, Phase::pressed, Phase::dragged,
-                                                Phase::dragged, Phase::dragged, Phase::released));
-  EXPECT_THAT(otherClient->takePhases(), IsEmpty());
-  EXPECT_EQ(desktop->input.pressedMouseButtons(), 0U);
-  desktop->movePointer({460, 150});
-  desktop->movePointer({700, 150});
-  EXPECT_THAT(client->takePhases(), ElementsAre(Phase::left));
-  EXPECT_THAT(otherClient->takePhases(), ElementsAre(Phase::moved, Phase::left));
-
-  desktop->press({150, 150}, StageButton::right);
-  EXPECT_EQ(desktop->input.pressedMouseButtons(), 2U);
-  desktop->release(StageButton::right);
-  desktop->scroll({150, 150}, 0, -12, -1);
-  ASSERT_EQ(client->scrolls.size(), 1U);
-  EXPECT_EQ(client->scrolls[0].steps, -1);
-}
-
 TEST_F(Input, OfTheViewsOfAWindowTheTopmostThatIsSeenGetsIt) {
   const auto window = showPanel({100, 100, 200, 200});
   const auto low = std::make_shared<Client>();
@@ -230,97 +207,6 @@ TEST_F(Input, KeysGoToWhoeverClaimedTheKeyboardLast) {
   window->order(WindowOrder::out);
   desktop->key(escapeKeyCode);
   EXPECT_EQ(global, 3);
-}
-
-TEST_F(Input, TheProgramsItemStandsLeftOfTheSystemsAndActsAsItsMaskSays) {
-  std::vector<StatusButtonEvent> clicks;
-  int notches = 0;
-  int local = 0;
-  const auto monitor = desktop->input.monitorLocal(leftMouseDownMask, [&](const InputEvent&) {
-    ++local;
-    return false;
-  });
-  auto item = desktop->menuBar.makeItem(
-      {.actionMask = leftMouseDownMask | rightMouseDownMask, .accessibilityLabel = "Sound"},
-      {.clicked = [&](StatusButtonEvent event) { clicks.push_back(event); },
-       .scrolled = [&](int steps) { notches += steps; },
-       .menu = {}});
-  const Rect frame = item->frame().value();
-  EXPECT_EQ(frame.maxY(), 900);
-  EXPECT_EQ(frame.height, 24);
-  for (const auto& other : desktop->menuBar.items()) {
-    EXPECT_TRUE(other->identifier.empty() || other->frame.minX() >= frame.maxX());
-  }
-  desktop->click(middle(frame));
-  desktop->click(middle(frame), StageButton::right);
-  desktop->scroll(middle(frame), 0, 30, 2);
-  EXPECT_THAT(clicks,
-              ElementsAre(StatusButtonEvent::leftMouseDown, StatusButtonEvent::rightMouseDown));
-  EXPECT_EQ(notches, 2);
-  EXPECT_EQ(local, 1);
-  item->setHighlighted(true);
-  EXPECT_TRUE(desktop->menuBar.extra("")->isHighlighted);
-  EXPECT_EQ(desktop->menuBar.extra("")->pid, desktop->program.pid());
-  desktop->screens.set({});
-  EXPECT_FALSE(item->frame());
-  item.reset();
-  EXPECT_EQ(desktop->menuBar.extra(""), nullptr);
-}
-
-TEST_F(Input, AMenuIsAWindowWhoseEntriesAreClicked) {
-  std::string chosen;
-  std::unique_ptr<StatusItem> item;
-  int clicks = 0;
-  int elsewhere = 0;
-  const auto popUp = [&] {
-    item->popUpMenu({{"Open", [&] { chosen = "Open"; }, {}},
-                     {"", {}, {}},
-                     {"Quit", [&] { item.reset(); }, "q"}});
-  };
-  StatusItemHandlers handlers;
-  handlers.clicked = [&](StatusButtonEvent) {
-    ++clicks;
-    popUp();
-  };
-  item = desktop->menuBar.makeItem({.actionMask = leftMouseDownMask, .accessibilityLabel = "Item"},
-                                   handlers);
-  const auto monitor =
-      desktop->input.monitorGlobal(leftMouseDownMask, [&](const InputEvent&) { ++elsewhere; });
-  const Rect frame = item->frame().value();
-  desktop->click(middle(frame), StageButton::right);
-  EXPECT_EQ(clicks, 0) << "its mask has no right button";
-  desktop->click(middle(frame));
-  StageMenu& menu = desktop->menuBar.menu();
-  EXPECT_THAT(menu.titles(), ElementsAre("Open", "", "Quit"));
-  EXPECT_EQ(menu.frame().maxY(), frame.minY());
-  EXPECT_EQ(menu.frame().height, 2 * 22 + 11 + 2 * 5);
-  EXPECT_LE(menu.frame().maxX(), 1440);
-
-  desktop->click(middle(menu.itemFrame(1)));
-  EXPECT_TRUE(menu.isOpen()) << "a separator is nothing to choose";
-  desktop->click({20, 20});
-  EXPECT_FALSE(menu.isOpen());
-  EXPECT_EQ(elsewhere, 0) << "the press that closes a menu goes no further";
-
-  desktop->click(middle(frame));
-  desktop->click(middle(frame));
-  EXPECT_FALSE(menu.isOpen());
-  EXPECT_EQ(clicks, 2) << "nor does it on the item";
-  popUp();
-  desktop->key(escapeKeyCode);
-  EXPECT_FALSE(menu.isOpen());
-  popUp();
-  EXPECT_FALSE(desktop->clickMenuItem("Nothing"));
-  EXPECT_TRUE(desktop->clickMenuItem("Open"));
-  EXPECT_EQ(chosen, "Open");
-  popUp();
-  EXPECT_TRUE(desktop->clickMenuItem("Quit"));
-  EXPECT_EQ(item, nullptr);
-  EXPECT_FALSE(menu.isOpen());
-  item = desktop->menuBar.makeItem({}, {});
-  popUp();
-  item.reset();
-  EXPECT_FALSE(menu.isOpen()) << "it goes with its item";
 }
 
 }  // namespace
