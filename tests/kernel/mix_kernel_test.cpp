@@ -141,25 +141,5 @@ TEST(MixKernelTest, DoesWhatItsNameSays) {
   }
 }
 
-/// A correction beside the direct path: x + (x - x) and x + (y - x) have to come out right.
-TEST(MixKernelTest, ACorrectionOfEqualBuffersIsExactlyZero) {
-  const auto x = makeSamples(SampleSet::noise, 1024, 9);
-  std::vector<float> correction(x.size(), 1.0f);
-  subtractInto(correction.data(), x.data(), x.data(), x.size());
-  EXPECT_EQ(correction, std::vector<float>(x.size(), 0.0f));
-
-  std::vector<float> minus(x.size());
-  scaleRamped(minus.data(), x.data(), x.size(), -1.0f, -1.0f);
-  mixAdd(minus.data(), x.data(), x.size());
-  EXPECT_EQ(minus, std::vector<float>(x.size(), 0.0f));
-
-  correction = x;
-  clear(correction.data() + 1, correction.size() - 2);
-  EXPECT_EQ(correction.front(), x.front());
-  EXPECT_EQ(correction.back(), x.back());
-  EXPECT_TRUE(std::all_of(correction.begin() + 1, correction.end() - 1,
-                          [](float sample) { return sample == 0.0f; }));
-}
-
 }  // namespace
 }  // namespace plemora

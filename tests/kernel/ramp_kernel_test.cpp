@@ -158,23 +158,6 @@ TEST(RampKernelTest, StaysWithinTheErrorBoundOnRamps) {
   }
 }
 
-/// What the scalar reference itself has to be: checked by hand on a few frames.
-TEST(RampKernelTest, MultipliesByAGainThatGrowsAfterEveryFrame) {
-  for (const RampKernel* kernel : availableRampKernels()) {
-    SCOPED_TRACE(kernel->name);
-    const std::vector<float> in{1.0f, -1.0f, 0.5f, -0.5f};
-    std::vector<float> out(4);
-    RampPeaks peaks{0.25f, 0.25f};
-    kernel->contiguous(in.data(), out.data(), 4, 0.5f, 0.25f, peaks);
-    EXPECT_EQ(out, (std::vector<float>{0.5f, -0.75f, 0.5f, -0.625f}));
-    EXPECT_EQ(peaks.input, 1.0f);
-    EXPECT_EQ(peaks.output, 0.75f);
-
-    kernel->stereo(in.data(), out.data(), 2, 0.5f, 0.25f, peaks);
-    EXPECT_EQ(out, (std::vector<float>{0.5f, -0.5f, 0.375f, -0.375f}));
-  }
-}
-
 TEST(RampKernelTest, PeaksTakeInfinityAndNeverNaN) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
   const float infinity = std::numeric_limits<float>::infinity();

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "kernel/buffers.h"
@@ -70,100 +69,6 @@ TEST(RenderTest, WithoutTapInputTheOutputIsSilentAndThePeaksStay) {
     EXPECT_EQ(state.inputPeak, 0.6f);
     EXPECT_EQ(state.currentGain, 0.25f);
   }
-}
-
-TEST(RenderTest, WithoutRoomInTheOutputTheGainStillMoves) {
-  const std::vector<std::vector<Shape>> outputs{
-      {}, {{2, 0}}, {{0, 4}}, {{2, 4, false}}, {{2, 0, true, 4}}};
-  for (const auto& shapes : outputs) {
-    SCOPED_TRACE(shapes.empty() ? 99 : shapes.front().channels);
-    const Buffers input = Buffers::planar({Samples(4, 1.0f)});
-    const Buffers output(shapes, old);
-    RenderState state(1.0f);
-    state.targetGain = 0.5f;
-    render(input.list(), output.list(), state);
-    EXPECT_EQ(state.currentGain, 0.5f);
-    EXPECT_EQ(state.peak, 0.0f);
-    EXPECT_EQ(state.inputPeak, 0.0f);
-    for (std::size_t i = 0; i < output.count(); ++i) {
-      EXPECT_EQ(output.samples(i), Samples(output.samples(i).size(), old));
-    }
-  }
-}
-
-TEST(RenderTest, ChannelsComeFromTheTapInOrderAndRepeat) {
-  struct Case {
-    const char* name;
-    std::vector<Shape> input;  ///< channel c of the list, counted through, holds 1 + c
-    std::int64_t skip;
-    std::vector<Shape> output;
-    std::vector<Samples> expected;  ///< each output buffer's first frame
-  };
-  const Case cases[] = {
-      {"stereo to stereo", {{2, 4}}, 0, {{2, 4}}, {{1, 2}}},
-      {"planar to interleaved", {{1, 4}, {1, 4}}, 0, {{2, 4}}, {{1, 2}}},
-      {"interleaved to planar", {{2, 4}}, 0, {{1, 4}, {1, 4}}, {{1}, {2}}},
-      {"mono to all", {{1, 4}}, 0, {{2, 4}, {1, 4}}, {{1, 1}, {1}}},
-      {"stereo repeats", {{2, 4}}, 0, {{5, 4}}, {{1, 2, 1, 2, 1}}},
-      {"stereo repeats across buffers", {{2, 4}}, 0, {{1, 4}, {2, 4}}, {{1}, {2, 1}}},
-      {"wider than the output", {{4, 4}}, 0, {{2, 4}}, {{1, 2}}},
-      {"sub-device inputs first", {{2, 4}, {1, 4}, {2, 4}}, 2, {{2, 4}}, {{4, 5}}},
-      {"a negative skip is none", {{2, 4}, {2, 4}}, -1, {{4, 4}}, {{1, 2, 3, 4}}},
-      {"0 channels count as one", {{1, 4}, {0, 4}, {1, 4}}, 0, {{4, 4}}, {{1, 2, 3, 1}}},
-      {"a silent buffer keeps its channels",
-       {{1, 4}, {2, 4, false}, {1, 4}},
-       0,
-       {{5, 4}},
-       {{1, 0, 0, 4, 1}}},
-      {"an absent output buffer keeps its channels",
-       {{4, 4}},
-       0,
-       {{2, 4, false}, {2, 4}},
-       {{old, old}, {3, 4}}},
-      {"an output buffer of 0 channels has none", {{2, 4}}, 0, {{0, 4}, {2, 4}}, {{old}, {1, 2}}},
-      {"three by three", {{3, 4}}, 0, {{3, 4}}, {{1, 2, 3}}},
-  };
-  for (const Case& given : cases) {
-    SCOPED_TRACE(given.name);
-    Buffers input(given.input);
-    float number = 1.0f;
-    for (std::size_t buffer = 0; buffer < given.input.size(); ++buffer) {
-      const std::size_t channels = std::max<std::size_t>(given.input[buffer].channels, 1);
-      for (std::size_t channel = 0; channel < channels; ++channel, ++number) {
-        for (std::size_t frame = 0; frame < given.input[buffer].frames; ++frame) {
-          input.samples(buffer)[frame * channels + channel] = number;
-        }
-      }
-    }
-    // At constant gain and on a ramp: whole buffers are rendered in different ways.
-    for (const float target : {1.0f, 0.0f}) {
-      Buffers output(given.output, old);
-      RenderState state(1.0f);
-      state.targetGain = target;
-      state.skipInputBuffers = given.skip;
-      render(input.list(), output.list(), state);
-      for (std::size_t buffer = 0; buffer < given.output.size(); ++buffer) {
-        Samples first = output.samples(buffer);
-        first.resize(given.expected[buffer].size());
-        EXPECT_EQ(first, given.expected[buffer]) << "output buffer " << buffer;
-      }
-    }
-  }
-}
-
-TEST(RenderTest, TheShortestTapBufferLimitsTheFramesAndTheRestIsZero) {
-  const Buffers input({{1, 7}, {2, 4, true, 4}, {1, 6}}, 1.0f);
-  const Buffers output({{1, 6}, {2, 2}, {2, 5, true, 4}}, old);
-  RenderState state(1.0f);
-  state.targetGain = 0.0f;
-  render(input.list(), output.list(), state);
-  // The ramp is as long as what is rendered of each buffer: 4, 2 and 4 frames.
-  EXPECT_EQ(output.rendered(0), (Samples{1.0f, 0.75f, 0.5f, 0.25f, 0.0f, 0.0f}));
-  EXPECT_EQ(output.rendered(1), (Samples{1.0f, 1.0f, 0.5f, 0.5f}));
-  Samples whole = output.samples(2);
-  whole.resize(10);
-  EXPECT_EQ(whole, (Samples{1.0f, 1.0f, 0.75f, 0.75f, 0.5f, 0.5f, 0.25f, 0.25f, 0.0f, 0.0f}));
-  EXPECT_EQ(output.samples(2)[10], old) << "what is no whole frame is not part of the buffer";
 }
 
 TEST(RenderTest, RendersInPlace) {
