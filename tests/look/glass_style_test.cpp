@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "adapters/stage/scripted_effect_view.h"
-#include "adapters/stage/scripted_system_glass.h"
+#include "adapters/stage/scripted_hosted_view.h"
+#include "adapters/stage/stage_windows.h"
 #include "adapters/stage/virtual_clock.h"
 #include "adapters/stage/virtual_main_queue.h"
 #include "skin/look/built_in_styles.h"
@@ -186,45 +186,6 @@ TEST(GlassStyleTest, SystemGlassTakesTheOptionsThatItHas) {
   EXPECT_THAT(old.values, ElementsAre(Pair("scrimState", 2)));
 }
 
-class EmptyView : public HostedView {
- public:
-  double fittingHeight() override { return 0; }
-  void setHeightHandler(std::function<void(double)>) override {}
-  void setVisible(bool) override {}
-};
-
-/// Keeps what it is told to show.
-class SurfaceKeeper : public PanelSurface {
- public:
-  explicit SurfaceKeeper(MainQueue& queue) : queue_(queue) {}
-
-  std::shared_ptr<ScriptedEffectView> effect;
-  std::shared_ptr<ScriptedSystemGlass> glass;
-  std::shared_ptr<HostedView> content;
-
-  void clearBackground() override {
-    effect.reset();
-    glass.reset();
-  }
-  std::shared_ptr<EffectView> showEffect(const EffectDescription& description) override {
-    clearBackground();
-    return effect = std::make_shared<ScriptedEffectView>(queue_, description);
-  }
-  std::shared_ptr<SystemGlassView> showSystemGlass() override {
-    clearBackground();
-    return glass = std::make_shared<ScriptedSystemGlass>();
-  }
-  std::shared_ptr<EffectView> addEffect(const EffectDescription&) override { return nullptr; }
-  void setContainer(const Rect&, double) override {}
-  void setContent(std::shared_ptr<HostedView> view) override { content = std::move(view); }
-  void setContents(std::vector<HostedContent>) override {}
-  void setLayer(std::shared_ptr<Layer>) override {}
-  bool isFlipped() override { return false; }
-
- private:
-  MainQueue& queue_;
-};
-
 class GlassBuilderTest : public testing::Test {
  protected:
   std::unique_ptr<TunedBackdropView> make(const std::string& style) {
@@ -233,8 +194,8 @@ class GlassBuilderTest : public testing::Test {
 
   VirtualClock clock;
   VirtualMainQueue queue{clock};
-  SurfaceKeeper surface{queue};
-  std::shared_ptr<HostedView> content = std::make_shared<EmptyView>();
+  StageSurface surface{queue};
+  std::shared_ptr<HostedView> content = std::make_shared<ScriptedHostedView>();
 };
 
 TEST_F(GlassBuilderTest, TheFirstWordThatAppliesDecides) {
@@ -251,9 +212,9 @@ TEST_F(GlassBuilderTest, TheFirstWordThatAppliesDecides) {
            {"", Background::glass, 0},
            {"r=2,style=1", Background::glass, 0},
        }) {
-    surface.content.reset();
+    surface.contents.clear();
     const auto tuned = make(each.style);
-    EXPECT_EQ(surface.content, content) << each.style;
+    EXPECT_EQ(surface.content(), content) << each.style;
     EXPECT_EQ(tuned != nullptr, each.background == Background::tuned) << each.style;
     const bool isEffect =
         each.background == Background::tuned || each.background == Background::material;
@@ -262,10 +223,10 @@ TEST_F(GlassBuilderTest, TheFirstWordThatAppliesDecides) {
       EXPECT_EQ(surface.effect->description(),
                 (EffectDescription{each.material, 0, 1, 15, true, true}));
     }
-    ASSERT_EQ(surface.glass != nullptr, each.background == Background::glass) << each.style;
-    if (surface.glass) {
-      EXPECT_EQ(surface.glass->cornerRadius, 15);
-      EXPECT_EQ(surface.glass->style.has_value(), each.style.ends_with("style=1"));
+    ASSERT_EQ(surface.systemGlass != nullptr, each.background == Background::glass) << each.style;
+    if (surface.systemGlass) {
+      EXPECT_EQ(surface.systemGlass->cornerRadius, 15);
+      EXPECT_EQ(surface.systemGlass->style.has_value(), each.style.ends_with("style=1"));
     }
   }
 }

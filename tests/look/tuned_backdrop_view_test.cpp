@@ -69,14 +69,6 @@ TEST_F(TunedBackdropViewTest, PushesTheTuningIntoTheLayersByName) {
   EXPECT_EQ(layer("desktop tint").values["hidden"], 1);
 }
 
-TEST_F(TunedBackdropViewTest, AMatrixCountsWithoutAGain) {
-  const ColorMatrix matrix{0.5F};
-  view->setTuning({.matrix = matrix});
-  show();
-  EXPECT_THAT(layer("backdrop").filters(),
-              ElementsAre(EffectFilter{"mixerGain", "colorMatrix", matrix}));
-}
-
 TEST_F(TunedBackdropViewTest, TakesOverAViewThatIsShownAlready) {
   view.reset();
   show();
