@@ -77,16 +77,6 @@ TEST_F(GlassPanelTest, AGateThatComesLateIsOpenAtOnce) {
   EXPECT_TRUE(view->isVisible);
 }
 
-TEST_F(GlassPanelTest, BecomesKeyWhenItMayAndNeverMain) {
-  for (const bool accepts : {true, false}) {
-    const auto panel = makePanel(accepts);
-    EXPECT_EQ(panel->canBecomeKey(), accepts);
-    EXPECT_FALSE(panel->canBecomeMain());
-    panel->makeKeyAndOrderFront();
-    EXPECT_EQ(stage().isKey, accepts);
-  }
-}
-
 TEST_F(GlassPanelTest, FitsItsRimToEverySize) {
   const auto panel = makePanel();
   panel->setFrame({0, 0, 10, 10});
@@ -127,16 +117,6 @@ TEST_F(GlassPanelTest, PutsItsContentOnTheGlassOfTheStyle) {
   EXPECT_EQ(surface().systemGlass, nullptr);
   EXPECT_EQ(surface().content(), view);
   EXPECT_EQ(view->measurements, 0);  // and the view was asked for nothing
-}
-
-TEST_F(GlassPanelTest, ReportsHeightsWhileSomebodyReadsThem) {
-  std::vector<double> heights;
-  {
-    const HeightReader reader(view, [&](double height) { heights.push_back(height); });
-    view->resize(321);
-  }
-  view->resize(400);
-  EXPECT_EQ(heights, std::vector{321.0});
 }
 
 }  // namespace

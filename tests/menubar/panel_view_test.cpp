@@ -2,10 +2,8 @@
 
 #include <gmock/gmock.h>
 
-#include <limits>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -198,21 +196,6 @@ TEST_F(PanelViewTest, DisablesAMasterThatCannotBeSet) {
   EXPECT_EQ(master().volume, 1.0f);
 }
 
-TEST_F(PanelViewTest, ShowsAVolumeThatIsNoNumberAsOne) {
-  start();
-  world.hal.updateDevice(world.speakers, [](auto& device) {
-    device.volume = std::numeric_limits<float>::quiet_NaN();
-  });
-  world.settle();
-  EXPECT_TRUE(master().volume >= 0 && master().volume <= 1) << master().volume;
-  forget();
-  mixer().outputs().reload();
-  EXPECT_EQ(rowChanges, 0) << "nothing has changed";
-  view->setMasterVolume(std::numeric_limits<float>::quiet_NaN());
-  view->setVolume(std::numeric_limits<float>::quiet_NaN(), music);
-  EXPECT_THAT(moves, IsEmpty());
-}
-
 TEST_F(PanelViewTest, DescribesAnApp) {
   startWithApps();
   PanelRow row = app(music);
@@ -240,11 +223,8 @@ TEST_F(PanelViewTest, TheSettingDecidesTheStyleOfTheRows) {
     std::optional<std::string> setting;
     bool isCompact;
   };
-  for (const Case& each : std::vector<Case>{{std::nullopt, true},
-                                            {"lines", false},
-                                            {"compact", true},
-                                            {"Lines", true},
-                                            {"", true}}) {
+  for (const Case& each : std::vector<Case>{
+           {std::nullopt, true}, {"lines", false}, {"compact", true}, {"Lines", true}}) {
     if (each.setting) {
       world.defaults.setString("appRowStyle", *each.setting);
     }
@@ -312,31 +292,6 @@ TEST_F(PanelViewTest, MarksWhereAnAppIsToBeHeard) {
   EXPECT_THAT(chosen(), ElementsAre("usb"));
 }
 
-TEST_F(PanelViewTest, ChoosesTheDefaultDevice) {
-  PanelView& panel = start();
-  panel.chooseDevice("usb");
-  world.settle();
-  EXPECT_EQ(world.hal.defaultOutput(), world.usb);
-  EXPECT_TRUE(row(Kind::device, "usb").isSelected);
-  EXPECT_FALSE(row(Kind::device, "speakers").isSelected);
-  panel.chooseDevice("nowhere");
-  EXPECT_EQ(world.hal.defaultOutput(), world.usb);
-}
-
-TEST_F(PanelViewTest, ADemoDeviceIsNotWrittenToTheSystem) {
-  world.defaults.setString("demo", R"({"apps":[{"bundle":"com.example.Music","volume":0.5,
-                                                 "playing":true,"muted":false}],
-                                       "extraDevices":[{"name":"Den","kind":"airplay"}]})");
-  PanelView& panel = start();
-  const PanelRow demo = rows(Kind::device).back();
-  ASSERT_TRUE(demo.id.starts_with("demo-")) << demo.id;
-  panel.chooseDevice(demo.id);
-  world.settle();
-  EXPECT_EQ(world.hal.defaultOutput(), world.speakers);
-  panel.setVolume(0.75f, music);
-  EXPECT_EQ(app(music).volume, 0.75f);
-}
-
 TEST_F(PanelViewTest, ASliderMovesWithoutItsRowBeingListedAnew) {
   PanelView& panel = startWithApps();
   forget();
@@ -350,10 +305,6 @@ TEST_F(PanelViewTest, ASliderMovesWithoutItsRowBeingListedAnew) {
   EXPECT_EQ(app(music).volume, 0.25f);
   EXPECT_EQ(rowChanges, 0);
 
-  panel.toggleMute(music);
-  panel.setVolume(0.75f, music);
-  EXPECT_FALSE(app(music).isMuted) << "raised, so heard";
-  EXPECT_EQ(app(music).muteHelp, "Mute Music");
   panel.setVolume(0.5f, "com.example.Absent");
   EXPECT_EQ(world.defaults.data("appLevels").value_or("").find("Absent"), std::string::npos);
 }
@@ -435,40 +386,6 @@ TEST_F(PanelViewTest, MetersRunWhileThePanelIsSeen) {
   panel.setVisible(true);
   EXPECT_EQ(world.main.pendingTimers(), timers);
   EXPECT_TRUE(panel.isVisible());
-}
-
-TEST_F(PanelViewTest, KnowsWhenTheReceiversWereLastClosed) {
-  PanelView& panel = start();
-  EXPECT_EQ(panel.lastPickerClosed(), std::nullopt);
-  panel.presentRoutes({10, 20, 30, 40});
-  EXPECT_THAT(routePicker.anchors(), ElementsAre(Rect{10, 20, 30, 40}));
-  world.pass(3);
-  EXPECT_EQ(panel.lastPickerClosed(), std::nullopt);
-  routePicker.close();
-  EXPECT_EQ(panel.lastPickerClosed(), 3.0);
-  panel.presentRoutes({});
-  view.reset();
-  routePicker.close();  // the list may outlive the panel
-}
-
-TEST_F(PanelViewTest, ManyAppsWithLongNamesAreListedOnce) {
-  for (int i = 0; i < 200; ++i) {
-    const std::string number = std::to_string(i);
-    world.play(100 + i, "com.example.App" + number, std::string(500, 'x') + number, world.speakers);
-  }
-  PanelView& panel = start();
-  std::set<std::string> ids;
-  for (const PanelRow& row : rows(Kind::app)) {
-    ids.insert(row.id);
-  }
-  EXPECT_EQ(ids.size(), 200u);
-  forget();
-  for (int i = 0; i < 100; ++i) {
-    panel.setVolume(static_cast<float>(i) / 100, "com.example.App199");
-  }
-  EXPECT_EQ(rowChanges, 0);
-  EXPECT_EQ(moves.size(), 100u);
-  EXPECT_EQ(app("com.example.App199").volume, 0.99f);
 }
 
 }  // namespace

@@ -42,24 +42,6 @@ struct WindowMotionTest : testing::Test {
   const std::vector<Rect>& frames() { return windows.windows().at(0)->frames; }
 };
 
-TEST_F(WindowMotionTest, SpringOvershootsOnlyWhenUnderDamped) {
-  struct Case {
-    double damping;
-    bool overshoots;
-  };
-  for (const Case& c : {Case{0.3, true}, Case{0.8, true}, Case{1.0, false}, Case{1.5, false}}) {
-    SCOPED_TRACE(c.damping);
-    spring.damping = c.damping;
-    EXPECT_EQ(spring.progress(0), 0);
-    double highest = 0;
-    for (double t = 0; t < 1.21; t += 0.005) {
-      highest = std::max(highest, spring.progress(t));
-    }
-    EXPECT_EQ(highest > 1, c.overshoots);
-    EXPECT_NEAR(spring.progress(1.21), 1, c.damping < 0.5 ? 0.05 : 0.001);
-  }
-}
-
 // Against the spring's equation, x'' + 2 zeta omega x' + omega^2 (x - 1) = 0, in small steps. An
 // over-damped spring moves as a critically damped one.
 TEST_F(WindowMotionTest, SpringFollowsItsEquation) {
