@@ -12,7 +12,6 @@
 #include "adapters/stage/virtual_main_queue.h"
 #include "app/services/dock_presence.h"
 #include "app/services/launch_at_login.h"
-#include "app/services/main_menu.h"
 #include "app/services/updater.h"
 #include "support/log_keeper.h"
 
@@ -157,38 +156,6 @@ TEST(DockPresenceLifeTest, NothingHappensOnceItIsGone) {
   }
   queue.advance(1);
   EXPECT_EQ(application.policyChanges, 0);
-}
-
-TEST(MainMenuTest, HasTheShortcutsThatTextFieldsNeed) {
-  ScriptedApplication application;
-  MainMenu::install(application);
-  std::string text;
-  for (const MainMenuSection& section : application.mainMenu) {
-    text += "[" + section.title + "]\n";
-    for (const MainMenuItem& item : section.items) {
-      if (item.title.empty()) {
-        text += "-\n";
-        continue;
-      }
-      const char* keys = item.modifiers == 0x100000   ? " cmd-"
-                         : item.modifiers == 0x120000 ? " cmd-shift-"
-                                                      : " ?";
-      text += item.title + " " + item.action + keys + item.keyEquivalent + "\n";
-    }
-  }
-  EXPECT_EQ(text,
-            "[]\n"
-            "Quit Plemora terminate: cmd-q\n"
-            "[Edit]\n"
-            "Undo undo: cmd-z\n"
-            "Redo redo: cmd-shift-z\n"
-            "-\n"
-            "Cut cut: cmd-x\n"
-            "Copy copy: cmd-c\n"
-            "Paste paste: cmd-v\n"
-            "Select All selectAll: cmd-a\n"
-            "[Window]\n"
-            "Close performClose: cmd-w\n");
 }
 
 }  // namespace
