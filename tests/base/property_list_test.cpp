@@ -127,16 +127,6 @@ TEST(PropertyList, EditsADictionaryInPlaceAndKeepsTheRest) {
   EXPECT_EQ(PropertyList::parse(before.xml()).member("é")->items()->at(0).asString(), "é");
 }
 
-TEST(PropertyList, KeepsLargeDictionariesInOrder) {
-  PropertyList list;
-  PropertyList::Members expected;
-  for (int i = 0; i < 2000; ++i) {
-    expected.emplace_back("key" + std::to_string(i * 7919 % 2000), PropertyList::integer(i));
-    list.setMember(expected.back().first, expected.back().second);
-  }
-  EXPECT_EQ(PropertyList::parse(list.binary()).members(), expected);
-}
-
 TEST(PropertyList, RefusesWhatItCouldNotWriteBack) {
   const std::pair<std::vector<std::string>, const char*> cases[] = {
       {{bytesOf({0x00})}, "unknown kind"},
