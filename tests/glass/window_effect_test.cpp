@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include <array>
-#include <limits>
 
 #include "adapters/stage/virtual_main_queue.h"
 #include "glass/gaussian_blur.h"
@@ -254,19 +253,6 @@ TEST_F(WindowEffectTest, NeedsPixelsAndItsBackground) {
   queue.drain();
   EXPECT_EQ(view.render(), desktop);
   EXPECT_EQ(view.effectBlurCount(), 0);
-}
-
-TEST_F(WindowEffectTest, NothingBreaksOnNonsense) {
-  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-  const auto effect = add(blur(1e9), shape({{{nan, 0, 1e300, -5}, nan}}));
-  for (const double value : {nan, -1e300, 1e300, -3.5, 0.0}) {
-    view.setContainer({value, value, 20, value}, value);
-    view.render();
-    view.setContainer({10, 10, value, 20}, 5);
-    view.render();
-  }
-  view.setContainer({0, 0, 60, 40}, 0);
-  EXPECT_EQ(view.render(), desktop);
 }
 
 }  // namespace
