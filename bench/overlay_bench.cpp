@@ -7,9 +7,9 @@
 
 #include "glass/glass_view.h"
 #include "main/stage/glass_windows.h"
+#include "skin/skin_ground.h"
 #include "skin/skin_overlay.h"
 #include "skin/skin_state.h"
-#include "skin_world.h"
 #include "striped_desktop.h"
 #include "views/module_scene.h"
 
@@ -25,8 +25,11 @@ constexpr double scale = 2;
 constexpr Size module{316, 64};
 constexpr double margin = 60;  // of the desktop around it
 
-struct World : SkinWorld {
+struct World : SkinGround {
+  World() : SkinGround(120) {}
+
   GlassWindows glassWindows{windows, main};
+  SkinServices shown = services(glassWindows);
 };
 
 class Overlay {
@@ -34,9 +37,8 @@ class Overlay {
   explicit Overlay(World& world)
       : world_(world),
         overlay_(
-            world.services(world.glassWindows), state_,
-            [this](SkinState& state) { return makeView(state); },
-            GlassStyle(world.look.style("skinStyle", builtInSkin)), 101) {
+            world.shown, state_, [this](SkinState& state) { return makeView(state); },
+            GlassStyle(world.look->style("skinStyle", builtInSkin)), 101) {
     state_.isWide.set(true);
     state_.volume.set(0.5F);
     scene_->item();
@@ -77,7 +79,7 @@ class Overlay {
 
  private:
   std::shared_ptr<HostedView> makeView(SkinState& state) {
-    scene_ = std::make_shared<ModuleScene>(state, world_.look, world_.appearance);
+    scene_ = std::make_shared<ModuleScene>(state, *world_.look, world_.appearance);
     return content_ = std::make_shared<StageContent>(scene_, world_.clock, scale);
   }
 

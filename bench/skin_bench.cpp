@@ -9,7 +9,7 @@
 #include "adapters/stage/simulated_hal.h"
 #include "devices/output_devices.h"
 #include "skin/control_center_skin.h"
-#include "skin_world.h"
+#include "skin/skin_ground.h"
 
 // What one tick of the skin costs while it shows the module over two tiles, with 100 windows on
 // screen and without the time that a window server or Control Center would take to answer. It is
@@ -20,19 +20,14 @@ namespace {
 
 constexpr double frameTime = 1.0 / 120;  // seconds
 
-struct ShownModule : SkinWorld {
-  static constexpr std::int32_t pid = 300;
-
+struct ShownModule : SkinGround {
   SimulatedHal hal{main};
   OutputDevices outputs{hal, system};
   ControlCenterSkin skin{services(windows), outputs,
                          [](SkinState&) { return std::make_shared<ScriptedHostedView>(); }};
 
-  ShownModule() {
-    RunningApplication application;
-    application.pid = pid;
-    application.bundleID = ControlCenterLocator::domain;
-    workspace.launch(application);
+  ShownModule() : SkinGround(1 / frameTime) {
+    launch();
     for (int i = 0; i < 99; ++i) {
       windowList.windows.push_back(
           {i, 1000 + i, "An Application With a Name", 0, Rect{10.0 * i, 40, 800, 600}, 1.0});

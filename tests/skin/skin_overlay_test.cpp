@@ -17,7 +17,8 @@ class SkinOverlayTest : public testing::Test, protected SkinWorld {
  protected:
   SkinOverlay& make(const std::string& style, int level = 101) {
     made.reset();
-    made = std::make_unique<SkinOverlay>(services(), state, makeView(), GlassStyle(style), level);
+    made = std::make_unique<SkinOverlay>(services(windows), state, makeView(), GlassStyle(style),
+                                         level);
     made->setFrame(module);
     made->updateSeam(module.size(), pills);
     return *made;
