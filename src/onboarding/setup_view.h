@@ -22,6 +22,9 @@ struct SetupCard {
   std::string skipTitle;    ///< a second, quiet button beside it; empty: none
   bool isButtonEnabled = true;
 
+  /// What assistive technology calls the button: others may have the same title.
+  std::string buttonLabel() const { return buttonTitle + ": " + title; }
+
   bool operator==(const SetupCard&) const = default;
 };
 

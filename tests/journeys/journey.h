@@ -7,6 +7,7 @@
 
 #include "journeys/overlay_watch.h"
 #include "journeys/plain_panel.h"
+#include "journeys/plain_setup.h"
 #include "main/stage/program_on_stage.h"
 #include "main/stage/scenario_runner.h"
 
@@ -16,13 +17,16 @@ namespace plemora {
 struct Journey {
   explicit Journey(const Scenario& scenario)
       : world(scenario),
-        program(world, {world.desktop.windows,
-                        [](PanelView& view, const ControlCenterLook&) {
-                          return std::make_shared<PlainPanel>(view);
-                        }}),
+        program(world, {.windows = world.desktop.windows,
+                        .makeContent =
+                            [](PanelView& view, const ControlCenterLook&) {
+                              return std::make_shared<PlainPanel>(view);
+                            },
+                        .makeOnboardingContents =
+                            [](const ControlCenterLook&) { return plainOnboarding(); }}),
         runner(scenario, world, program,
                {.advance = [this](double seconds) { advance(seconds); },
-                .controls = [this] { return PlainPanel::controls(world.desktop); },
+                .controls = [this] { return PlainContent::controls(world.desktop); },
                 .screenshot = [this](const std::string& name) { pictures.push_back(name); },
                 .setWallpaper = [](const std::string& name) { return name != "nowhere"; }}) {}
 

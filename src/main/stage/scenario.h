@@ -104,6 +104,8 @@ struct ScenarioTarget {
     settings,       ///< a switch in System Settings, by its label
     closeSettings,  ///< the button that closes System Settings
     settingsBar,    ///< the title bar of System Settings
+    closeSetup,     ///< the same of the setup window
+    setupBar,
     prompt,         ///< a button of the question for consent, by its label
     dock,           ///< an icon in the Dock, by the application's name
     player,         ///< the button that pauses and resumes a player, by its name

@@ -378,6 +378,9 @@ std::optional<std::string> unmet(const ScenarioConditions& conditions, const Sce
       return problem;
     }
   }
+  if (auto problem = unmetOfSetup(conditions, scene)) {
+    return problem;
+  }
   if (conditions.menu) {
     if (auto problem = checkMenu(*conditions.menu, desktop.menuBar.menu())) {
       return problem;

@@ -12,6 +12,14 @@ namespace plemora {
 inline constexpr std::string_view scenarioDetailStates[] = {"closed", "growing", "open",
                                                             "collapsing", "fading"};
 
+inline constexpr std::string_view scenarioSetupSteps[] = {"audio", "accessibility",
+                                                          "control center", "sound icon"};
+inline constexpr std::string_view scenarioStepStates[] = {"pending", "active", "in settings",
+                                                          "working", "done"};
+inline constexpr std::string_view scenarioHelperPlaces[] = {
+    "under System Settings", "right of System Settings", "left of System Settings",
+    "over System Settings", "beside Control Center"};
+
 /// The mixer panel. What is none is not looked at.
 struct PanelCondition {
   std::optional<bool> isOpen;
@@ -52,6 +60,18 @@ struct DefaultDeviceCondition {
   std::optional<bool> isMuted;
 };
 
+/// The window of setup, and how far setup has come.
+struct SetupCondition {
+  std::optional<bool> isOpen;
+  std::map<std::string, std::string> steps;  ///< each one of scenarioStepStates
+};
+
+/// The panel with instructions that setup puts beside System Settings or Control Center.
+struct HelperCondition {
+  std::optional<bool> isShown;
+  std::optional<std::string> stands;  ///< one of scenarioHelperPlaces
+};
+
 /// All that a step may expect at once; every part of it must hold.
 struct ScenarioConditions {
   std::map<std::string, bool> isRunning;  ///< by the name of the program
@@ -61,6 +81,11 @@ struct ScenarioConditions {
   /// The panel that grows out of it: one of scenarioDetailStates.
   std::optional<std::string> detail;
   std::optional<ControlCenterCondition> controlCenter;
+  std::optional<SetupCondition> setup;
+  std::optional<HelperCondition> helper;
+  /// The callout below the program's icon in the menu bar is to be seen.
+  std::optional<bool> hasPointer;
+  std::optional<std::string> front;  ///< name of the application in front; empty: none
 
   /// Settings of the program; monostate: absent.
   std::map<std::string, std::variant<std::monostate, bool, std::string>> defaults;

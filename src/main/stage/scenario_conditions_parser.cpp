@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "main/stage/scenario_values.h"
@@ -125,6 +127,49 @@ ScenarioConditions::Menu readMenu(const ScenarioPart& part) {
   return menu;
 }
 
+template <std::size_t count>
+std::string readWord(const ScenarioPart& part, const std::string_view (&words)[count]) {
+  const std::string text = part.text();
+  if (std::ranges::find(words, text) == std::end(words)) {
+    part.fail("is " + listOfNames(std::vector<std::string_view>(words, words + count)) +
+              ", not \"" + text + "\"");
+  }
+  return text;
+}
+
+SetupCondition readSetup(const ScenarioPart& part) {
+  SetupCondition setup;
+  if (part.isText()) {
+    setup.isOpen = readOpen(part);
+    return setup;
+  }
+  part.allow({"is", "audio", "accessibility", "control center", "sound icon"});
+  part.read("is", setup.isOpen, readOpen);
+  for (const std::string_view step : scenarioSetupSteps) {
+    if (const auto state = part.find(step)) {
+      setup.steps[std::string(step)] = readWord(*state, scenarioStepStates);
+    }
+  }
+  return setup;
+}
+
+bool readShown(const ScenarioPart& part) {
+  return part.oneOf<bool>({{"shown", true}, {"hidden", false}});
+}
+
+HelperCondition readHelper(const ScenarioPart& part) {
+  HelperCondition helper;
+  if (part.isText()) {
+    helper.isShown = readShown(part);
+    return helper;
+  }
+  part.allow({"is", "stands"});
+  part.read("is", helper.isShown, readShown);
+  part.read("stands", helper.stands,
+            [](const ScenarioPart& text) { return readWord(text, scenarioHelperPlaces); });
+  return helper;
+}
+
 template <typename Value, typename Read>
 void readMembers(const ScenarioPart& part, std::string_view name,
                  std::map<std::string, Value>& values, Read read) {
@@ -141,24 +186,23 @@ void readMembers(const ScenarioPart& part, std::string_view name,
 }  // namespace
 
 ScenarioConditions readConditions(const ScenarioPart& part) {
-  part.allow({"running", "panel", "module", "detail", "control center", "defaults", "preferences",
-              "backup", "devices", "default device", "levels", "menu", "settings pane", "dock",
-              "printed", "reloads", "urls"});
+  part.allow({"running",       "panel",   "module",  "detail",         "control center", "defaults",
+              "preferences",   "backup",  "devices", "default device", "levels",         "menu",
+              "settings pane", "dock",    "printed", "reloads",        "urls",           "setup",
+              "helper",        "pointer", "front"});
   if (part.json().empty()) {
     part.fail("expects nothing");
   }
   ScenarioConditions conditions;
   readMembers(part, "running", conditions.isRunning, readFlag);
   part.read("panel", conditions.panel, readPanel);
-  part.read("module", conditions.hasModule, [](const ScenarioPart& text) {
-    return text.oneOf<bool>({{"shown", true}, {"hidden", false}});
-  });
-  part.read("detail", conditions.detail, [](const ScenarioPart& text) {
-    const auto state = [](std::size_t i) {
-      return std::pair(scenarioDetailStates[i], std::string(scenarioDetailStates[i]));
-    };
-    return text.oneOf<std::string>({state(0), state(1), state(2), state(3), state(4)});
-  });
+  part.read("module", conditions.hasModule, readShown);
+  part.read("detail", conditions.detail,
+            [](const ScenarioPart& text) { return readWord(text, scenarioDetailStates); });
+  part.read("setup", conditions.setup, readSetup);
+  part.read("helper", conditions.helper, readHelper);
+  part.read("pointer", conditions.hasPointer, readShown);
+  part.read("front", conditions.front, [](const ScenarioPart& text) { return text.anyText(); });
   part.read("control center", conditions.controlCenter, readControlCenter);
   readMembers(part, "defaults", conditions.defaults, readSetting);
   if (const auto preferences = part.find("preferences")) {

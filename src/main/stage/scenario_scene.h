@@ -33,6 +33,10 @@ StageControl findControl(const std::string& name, const ScenarioScene& scene);
 /// Why a condition does not hold; none: all of them hold.
 std::optional<std::string> unmet(const ScenarioConditions& conditions, const ScenarioScene& scene);
 
+/// The same for what concerns setup alone.
+std::optional<std::string> unmetOfSetup(const ScenarioConditions& conditions,
+                                        const ScenarioScene& scene);
+
 /// What a tile of Control Center is called.
 std::string nameOf(const StageTile& tile);
 

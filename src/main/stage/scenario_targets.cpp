@@ -93,6 +93,20 @@ Rect settingsFrame(const ScenarioTarget& target, const StageSettings& settings) 
   return settings.rowFrame(indexOf(target.name, titles, "the row"));
 }
 
+/// Parts of the window's title bar.
+Rect setupFrame(const ScenarioTarget& target, const StageWindows& windows) {
+  for (StageWindow* window : windows.visible()) {
+    if (window->titled) {
+      const Rect frame = window->frame();
+      const Rect part = target.kind == ScenarioTarget::Kind::closeSetup
+                            ? StageWindow::closeButton
+                            : Rect{0, 0, frame.width, StageWindow::titleBarHeight};
+      return {frame.x + part.x, frame.maxY() - part.maxY(), part.width, part.height};
+    }
+  }
+  throw ScenarioError("the setup window is closed");
+}
+
 Rect promptFrame(const std::string& name, const StagePrompt& prompt) {
   if (!prompt.isOpen()) {
     throw ScenarioError("nobody asks for consent");
@@ -206,6 +220,9 @@ Point locate(const ScenarioTarget& target, const ScenarioScene& scene) {
     case Kind::closeSettings:
     case Kind::settingsBar:
       return middleOf(settingsFrame(target, desktop.settings));
+    case Kind::closeSetup:
+    case Kind::setupBar:
+      return middleOf(setupFrame(target, desktop.windows));
     case Kind::prompt:
       return middleOf(promptFrame(target.name, desktop.prompt));
     case Kind::dock:

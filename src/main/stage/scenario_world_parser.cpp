@@ -132,6 +132,8 @@ ScenarioTarget readTarget(const ScenarioPart& part) {
                                     {"slider of the module", Kind::moduleSlider},
                                     {"close button of System Settings", Kind::closeSettings},
                                     {"title bar of System Settings", Kind::settingsBar},
+                                    {"close button of setup", Kind::closeSetup},
+                                    {"title bar of setup", Kind::setupBar},
                                     {"desktop", Kind::desktop}});
     return target;
   }

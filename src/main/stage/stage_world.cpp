@@ -57,6 +57,7 @@ ScenarioWorld usualWorld() {
   world.isTrusted = true;
   world.consent = ScenarioConsent::granted;
   world.controlCenter.editDelay = 0.5;
+  world.defaults["didCompleteSetup"] = true;
   world.devices = {{"speakers", "Built-in Speakers", "built-in", 0.6, false}};
   return world;
 }

@@ -110,7 +110,7 @@ bool StageControlCenter::edited(bool isDone) {
 void StageControlCenter::knowControls() {
   for (const StageTile& tile : grid_.tiles()) {
     if (tile.control) {
-      known_.insert(tile.id);
+      known_.insert({tile.control->extensionID, tile.control->kind});
     }
   }
 }
@@ -267,7 +267,7 @@ bool StageControlCenter::addGalleryEntry(std::size_t index) {
 }
 
 bool StageControlCenter::isShown(const StageTile& tile) const {
-  return !tile.control || known_.contains(tile.id);
+  return !tile.control || known_.contains({tile.control->extensionID, tile.control->kind});
 }
 
 std::vector<StageTile> StageControlCenter::shownTiles() const {

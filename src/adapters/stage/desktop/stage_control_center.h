@@ -66,7 +66,8 @@ class StageControlCenter : public StageWindowOwner {
 
   StageControlCenterFaults faults;
 
-  /// Starts the process. The controls of the first layout ever read count as known.
+  /// Starts the process. The controls of the first layout ever read count as known; others are
+  /// once edit mode was left with a tile of theirs in the grid.
   void launch();
   /// Ends it as a signal would.
   void kill();
@@ -165,7 +166,8 @@ class StageControlCenter : public StageWindowOwner {
   StageTileGrid grid_;
   std::string layoutProblem_;
   bool couldStore_ = true;
-  std::set<std::string> known_;  // ids of third parties' tiles to show; outlives the process
+  /// Third parties' controls whose tiles have something to show; outlives the process.
+  std::set<std::pair<std::string, std::string>> known_;  // extension and kind
   std::set<std::string> off_;
   double brightness_ = 0.8;
 
