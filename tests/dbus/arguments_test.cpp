@@ -112,6 +112,7 @@ TEST(ProgramOptions, TakesItsOwnAndRefusesOthers) {
   const Case cases[] = {
       {{}, nullptr},
       {{"--no-ui", "--log-levels"}, nullptr},
+      {{"--setup", "--open"}, nullptr},
       {{"-demo", "{\"apps\":[]}"}, nullptr},
       {{"-demo", "--no-ui"}, nullptr},
       {{"-demo"}, "-demo needs a JSON configuration"},

@@ -1,0 +1,186 @@
+#include "onboarding/desktop_setup.h"
+
+#include <gmock/gmock.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/stage/memory_defaults.h"
+#include "adapters/stage/scripted_application.h"
+#include "adapters/stage/scripted_consent.h"
+#include "adapters/stage/scripted_hosted_view.h"
+#include "adapters/stage/scripted_login_item.h"
+#include "adapters/stage/scripted_screens.h"
+#include "adapters/stage/stage_windows.h"
+#include "adapters/stage/virtual_clock.h"
+#include "adapters/stage/virtual_main_queue.h"
+
+namespace plemora {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr int allowed = 0;
+constexpr int undecided = 2;
+
+/// A desktop and the setup on it.
+struct World {
+  VirtualClock clock;
+  VirtualMainQueue queue{clock};
+  MemoryDefaults defaults;
+  ScriptedConsent consent;
+  ScriptedLoginItem loginItem;
+  ScriptedApplication application;
+  ScriptedScreens screens;
+  StageWindows windows{queue, screens};
+  std::shared_ptr<ScriptedHostedView> content = std::make_shared<ScriptedHostedView>();
+  SetupView* view = nullptr;
+  std::optional<bool> isTrayIconShown = true;
+  int panels = 0;
+  DesktopSetup setup{{queue, defaults, consent, loginItem, application, screens, windows,
+                      [this](SetupView& shown) {
+                        view = &shown;
+                        return content;
+                      },
+                      [] { return std::string("Start the server."); },
+                      [this] { return isTrayIconShown; }, "Get a tray."}};
+
+  World() {
+    setup.onShowPanel = [this] { ++panels; };
+  }
+  const SetupPage& page() { return view->page.get(); }
+  /// The cards, each with "!" when it is done.
+  std::vector<std::string> cards() {
+    std::vector<std::string> all;
+    for (const SetupCard& card : page().cards) {
+      all.push_back(card.id + (card.status == StepStatus::done ? "!" : ""));
+    }
+    return all;
+  }
+  bool isCompleted() { return defaults.boolean("didCompleteSetup").value_or(false); }
+};
+
+TEST(DesktopSetupTest, ShowsTheStepsThatThereAreAndWhatIsDoneAlready) {
+  struct Case {
+    int consent;
+    std::optional<bool> tray;
+    bool isRegistered;
+    std::vector<std::string> cards;
+    bool isComplete;
+  };
+  const Case cases[] = {
+      {undecided, true, false, {"audio", "loginItem"}, false},
+      {allowed, true, false, {"audio!", "loginItem"}, false},
+      {allowed, false, true, {"audio!", "loginItem!", "trayIcon"}, false},
+      {allowed, std::nullopt, true, {"audio!", "loginItem!"}, false},  // may yet be hidden
+      {undecided, true, true, {"audio", "loginItem!"}, false},
+      {allowed, true, true, {"audio!", "loginItem!"}, true},
+  };
+  for (const Case& each : cases) {
+    World world;
+    world.consent.setPreflight(each.consent);
+    world.isTrayIconShown = each.tray;
+    world.defaults.setBoolean("didRegisterLoginItem", each.isRegistered);
+    ASSERT_TRUE(world.setup.show());
+    EXPECT_EQ(world.cards(), each.cards);
+    EXPECT_EQ(world.page().isComplete, each.isComplete);
+    EXPECT_EQ(world.isCompleted(), each.isComplete);
+    for (const SetupCard& card : world.page().cards) {
+      EXPECT_EQ(card.status == StepStatus::done, card.note.empty() && card.buttonTitle.empty())
+          << card.id << " says what to do as long as there is something to do";
+    }
+  }
+}
+
+TEST(DesktopSetupTest, FollowsWhatHappensOutsideWhileItIsOpen) {
+  World world;
+  world.consent.setPreflight(undecided);
+  world.isTrayIconShown = std::nullopt;
+  world.setup.show();
+  world.isTrayIconShown = false;
+  world.consent.setPreflight(allowed);
+  world.queue.advance(0.39);
+  EXPECT_THAT(world.cards(), ElementsAre("audio", "loginItem"));
+  world.queue.advance(0.02);
+  EXPECT_THAT(world.cards(), ElementsAre("audio!", "loginItem", "trayIcon"));
+  world.isTrayIconShown = true;
+  world.consent.setPreflight(undecided);
+  world.queue.advance(0.4);
+  EXPECT_THAT(world.cards(), ElementsAre("audio", "loginItem", "trayIcon!"))
+      << "the server went away again, and a tray came";
+  world.view->onFinish();
+  world.queue.advance(0.4);
+  EXPECT_EQ(world.queue.pendingTimers(), 0);
+  EXPECT_TRUE(world.windows.windows().empty()) << "nothing of it is kept";
+  EXPECT_FALSE(world.isCompleted());
+}
+
+TEST(DesktopSetupTest, EndsOnceEverythingIsSeen) {
+  struct Case {
+    bool startsAtLogin;
+    bool hasTray;
+  };
+  for (const Case& each : {Case{true, true}, {true, false}, {false, true}, {false, false}}) {
+    World world;
+    world.isTrayIconShown = each.hasTray;
+    world.setup.show();
+    (each.startsAtLogin ? world.view->onButton : world.view->onSkip)("loginItem");
+    EXPECT_EQ(world.loginItem.attempts, each.startsAtLogin ? 1 : 0);
+    EXPECT_EQ(world.isCompleted(), each.hasTray);
+    if (!each.hasTray) {
+      world.view->onButton("trayIcon");
+    }
+    EXPECT_TRUE(world.isCompleted()) << "at once, so that no crash can undo it";
+    ASSERT_TRUE(world.page().isComplete);
+    EXPECT_EQ(world.page().title, "You're all set");
+    EXPECT_THAT(world.page().completeLines.front(), HasSubstr(each.hasTray ? "tray" : "panel"));
+    world.view->onShow();
+    EXPECT_FALSE(world.setup.isShown());
+    EXPECT_EQ(world.panels, 1);
+  }
+}
+
+TEST(DesktopSetupTest, TriesALoginItemAgainAndAsksAnewWhenItIsOpenedAgain) {
+  World world;
+  world.setup.show();
+  world.loginItem.failure = "the disk is full";
+  world.view->onButton("loginItem");
+  EXPECT_THAT(world.page().cards[1].note, HasSubstr("the disk is full"));
+  EXPECT_EQ(world.defaults.boolean("didRegisterLoginItem"), std::nullopt);
+  world.view->onSkip("loginItem");
+  EXPECT_TRUE(world.isCompleted());
+
+  world.windows.windows().front()->close();
+  EXPECT_FALSE(world.setup.isShown());
+  world.loginItem.failure.reset();
+  world.setup.show();
+  EXPECT_THAT(world.cards(), ElementsAre("audio!", "loginItem"));
+  world.view->onButton("loginItem");
+  EXPECT_EQ(world.defaults.boolean("didRegisterLoginItem"), true);
+  EXPECT_EQ(world.defaults.boolean("didSkipLoginItem"), std::nullopt);
+}
+
+TEST(DesktopSetupTest, KeepsOneWindowWhichGrowsDownwards) {
+  World world;
+  world.setup.show();
+  world.setup.show();
+  EXPECT_EQ(world.windows.made(), 1);
+  EXPECT_EQ(world.application.activations, 2);
+  StageWindow& window = *world.windows.windows().front();
+  const Rect before = window.frame();
+  EXPECT_EQ(before.height, 300);
+  world.content->resize(420);
+  EXPECT_EQ(window.frame().height, 420);
+  EXPECT_EQ(window.frame().maxY(), before.maxY());
+
+  World broken;
+  broken.content.reset();
+  EXPECT_FALSE(broken.setup.show());
+  EXPECT_EQ(broken.queue.pendingTimers(), 0);
+}
+
+}  // namespace
+}  // namespace plemora
