@@ -19,24 +19,5 @@ TEST(MemoryDefaultsTest, LaunchArgumentsLieOnTopAndAreNeverStored) {
   EXPECT_EQ(defaults.writes(), 2);
 }
 
-TEST(MemoryDefaultsTest, ConvertsNothingButTheWordsForABool) {
-  MemoryDefaults defaults;
-  defaults.setBoolean("flag", false);
-  defaults.setString("yes", "true");
-  defaults.setString("no", "0");
-  defaults.setString("word", "perhaps");
-  defaults.setData("data", std::string("\0x", 2));
-  EXPECT_EQ(defaults.boolean("flag"), false);
-  EXPECT_EQ(defaults.boolean("yes"), true);
-  EXPECT_EQ(defaults.boolean("no"), false);
-  EXPECT_EQ(defaults.boolean("word"), std::nullopt);
-  EXPECT_EQ(defaults.boolean("data"), std::nullopt);
-  EXPECT_EQ(defaults.string("flag"), std::nullopt);
-  EXPECT_EQ(defaults.string("data"), std::nullopt);
-  EXPECT_EQ(defaults.data("word"), std::nullopt);
-  EXPECT_EQ(defaults.data("data"), std::string("\0x", 2));
-  EXPECT_EQ(defaults.data("missing"), std::nullopt);
-}
-
 }  // namespace
 }  // namespace plemora

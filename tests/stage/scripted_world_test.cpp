@@ -1,12 +1,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <atomic>
 #include <string>
-#include <thread>
 
 #include "adapters/stage/scripted_accessibility.h"
-#include "adapters/stage/scripted_notifications.h"
 #include "adapters/stage/scripted_window_list.h"
 #include "support/accessibility_contract.h"
 #include "support/window_list_contract.h"
@@ -76,84 +73,6 @@ INSTANTIATE_TEST_SUITE_P(Scripted, WindowListContract,
                              "scripted",
                              [] { return std::make_unique<ScriptedWindowListWorld>(); }}));
 
-using testing::ElementsAre;
-
-TEST(ScriptedAccessibilityTest, ElementsMayListEachOtherInCircles) {
-  ScriptedAccessibility accessibility;
-  const auto root = accessibility.root(1);
-  const auto child = accessibility.add(root, "AXChildren");
-  accessibility.set(child, "AXChildren", std::vector{root, child});
-  accessibility.set(child, "AXParent", root);
-  const auto value = accessibility.reference(child)->attribute("AXChildren");
-  ASSERT_TRUE(value);
-  EXPECT_EQ(std::get<std::vector<AccessibilityElementPointer>>(*value).size(), 2U);
-  accessibility.removeApplication(1);
-  EXPECT_EQ(accessibility.reference(child)->attribute("AXParent"), std::nullopt);
-}
-
-TEST(ScriptedAccessibilityTest, TheHookComesBeforeEveryReadAndMayChangeTheWorld) {
-  ScriptedAccessibility accessibility;
-  const auto root = accessibility.root(1);
-  accessibility.set(root, "AXRole", "AXApplication");
-  accessibility.setAction(root, "AXPress", [] {});
-  std::vector<std::string> names;
-  accessibility.setHook([&](const std::string& name) {
-    names.push_back(name);
-    accessibility.setTrusted(names.size() < 3);
-  });
-  const auto element = accessibility.application(1);
-  EXPECT_NE(element->attribute("AXRole"), std::nullopt);
-  EXPECT_TRUE(element->perform("AXPress"));
-  EXPECT_EQ(element->attribute("AXRole"), std::nullopt);
-  EXPECT_THAT(names, ElementsAre("AXRole", "AXPress", "AXRole"));
-}
-
-TEST(ScriptedAccessibilityTest, IsReadOnOneThreadWhileItChangesOnAnother) {
-  ScriptedAccessibility accessibility;
-  const auto root = accessibility.root(1);
-  std::atomic<bool> isOver = false;
-  std::atomic<int> seen = 0;
-  std::thread reader([&] {
-    const auto element = accessibility.application(1);
-    do {
-      const auto value = element->attribute("AXChildren");
-      const auto* children =
-          value ? std::get_if<std::vector<AccessibilityElementPointer>>(&*value) : nullptr;
-      for (const auto& child :
-           children != nullptr ? *children : std::vector<AccessibilityElementPointer>()) {
-        child->attribute("AXRole");
-        child->perform("AXPress");
-        ++seen;
-      }
-    } while (!isOver || seen == 0);
-  });
-  for (int i = 0; i < 200; ++i) {
-    const auto child = accessibility.add(root, "AXChildren", {{"AXRole", "AXButton"}});
-    accessibility.setAction(child, "AXPress", [] {});
-    accessibility.setTrusted(i % 7 != 0);
-    if (i % 3 == 0) {
-      accessibility.remove(child);
-    }
-  }
-  isOver = true;
-  reader.join();
-  EXPECT_GT(seen, 0);
-}
-
-TEST(ScriptedNotificationsTest, EveryPostReachesEveryHandlerOfThatNameOnItsThread) {
-  ScriptedNotifications notifications;
-  std::vector<std::thread::id> threads;
-  notifications.observe("one", [&] { threads.push_back(std::this_thread::get_id()); });
-  notifications.observe("one", [&] { notifications.observe("three", [] {}); });
-  notifications.observe("two", [&] { threads.clear(); });
-  notifications.post("one");
-  std::thread poster([&] { notifications.post("one"); });
-  const auto other = poster.get_id();
-  poster.join();
-  EXPECT_THAT(threads, ElementsAre(std::this_thread::get_id(), other));
-  notifications.post("nobody's");
-  EXPECT_THAT(notifications.posted(), ElementsAre("one", "one", "nobody's"));
-}
 
 }  // namespace
 }  // namespace plemora

@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "adapters/stage/manual_serial_queue.h"
@@ -59,64 +58,6 @@ TEST_F(VirtualMainQueueTest, DroppedWorkNeverRunsAndLetsGoOfWhatItHolds) {
   EXPECT_EQ(main.pendingTimers(), 0);
 }
 
-TEST_F(VirtualMainQueueTest, TellsWhenTheNextTimerIsDue) {
-  EXPECT_EQ(main.nextTimer(), std::nullopt);
-  Timer early = main.after(0.1, [] {});
-  const auto often = main.every(0.25, [] {});
-  EXPECT_EQ(main.nextTimer(), 0.1);
-  early.reset();
-  EXPECT_EQ(main.nextTimer(), 0.25);
-  main.advance(0.3);
-  EXPECT_EQ(main.nextTimer(), 0.5);
-}
-
-TEST_F(VirtualMainQueueTest, WorkMayScheduleMoreAndBeDroppedAfterTheQueue) {
-  Timer outlives;
-  {
-    VirtualMainQueue shortLived(clock);
-    Timer inner;
-    const auto outer = shortLived.after(0.1, [&] {
-      note("outer")();
-      inner = shortLived.after(0.1, note("inner"));
-    });
-    outlives = shortLived.after(5, note("never"));
-    shortLived.advance(0.2);
-  }
-  outlives.reset();
-  EXPECT_EQ(log, (Log{"outer@10", "inner@20"}));
-}
-
-TEST_F(VirtualMainQueueTest, TakesWorkFromAnyThread) {
-  int ran = 0;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      for (int n = 0; n < 250; ++n) {
-        main.async([&] { ++ran; });
-      }
-    });
-  }
-  for (auto& thread : threads) {
-    thread.join();
-  }
-  EXPECT_EQ(main.drain(), 1000);
-  EXPECT_EQ(ran, 1000);
-}
-
-TEST(VirtualClockTest, TheDateRunsAlongAndCanBeSet) {
-  VirtualClock clock;
-  const WallTime start = clock.now();
-  clock.advanceTo(599);
-  EXPECT_EQ(clock.now() - start, std::chrono::seconds(599));
-  clock.setNow(start);
-  clock.advanceTo(600);
-  EXPECT_EQ(clock.now() - start, std::chrono::seconds(1));
-  EXPECT_EQ(clock.mediaTime(), 600);
-  const std::string first = clock.makeUUID();
-  EXPECT_NE(first, clock.makeUUID());
-  EXPECT_EQ(VirtualClock().makeUUID(), first);
-}
-
 TEST(ManualQueues, RunWhenToldInOrderAndFinishBeforeTheyEnd) {
   StageQueueFactory factory;
   auto taps = factory.makeQueue("taps");
@@ -140,18 +81,6 @@ TEST(ManualQueues, RunWhenToldInOrderAndFinishBeforeTheyEnd) {
   EXPECT_EQ(log.back(), "i2");
   EXPECT_TRUE(factory.queues("io").empty());
   EXPECT_EQ(factory.labels(), (Log{"taps", "io"}));
-}
-
-TEST(ManualQueues, ImmediateOnesStillRunOnePieceAfterTheOther) {
-  StageQueueFactory factory;
-  factory.setImmediate(true);
-  const auto queue = factory.makeQueue("taps");
-  Log log;
-  queue->async([&] {
-    queue->async([&] { log.push_back("inner"); });
-    log.push_back("outer");
-  });
-  EXPECT_EQ(log, (Log{"outer", "inner"}));
 }
 
 }  // namespace
