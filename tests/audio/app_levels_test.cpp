@@ -108,21 +108,6 @@ struct AppLevelsTest : testing::Test {
   AppLevels store{defaults};
 };
 
-TEST_F(AppLevelsTest, are_empty_at_first_without_a_word) {
-  EXPECT_THAT(store.load(), IsEmpty());
-  EXPECT_TRUE(log.records.empty());
-  EXPECT_EQ(defaults.writes(), 0);
-}
-
-TEST_F(AppLevelsTest, are_stored_as_data_and_loaded_again) {
-  const Levels levels{{"a", {0.5f, true, "usb"}}};
-  store.save(levels);
-  EXPECT_TRUE(defaults.data("appLevels"));
-  EXPECT_EQ(AppLevels(defaults).load(), levels);
-  store.save({});
-  EXPECT_THAT(store.load(), IsEmpty());
-}
-
 TEST_F(AppLevelsTest, read_a_text_written_by_hand) {
   defaults.setString("appLevels", R"({"a":{"volume":0.5,"muted":false}})");
   EXPECT_EQ(store.load(), (Levels{{"a", {0.5f, false, {}}}}));

@@ -104,17 +104,6 @@ TEST_F(ScannerTest, folds_the_processes_of_an_app_into_one_record) {
   EXPECT_EQ(apps(), std::vector{expected});
 }
 
-TEST_F(ScannerTest, orders_records_by_bundle_identifier_not_by_name) {
-  world.play(11, "com.b", "Alpha", world.usb);
-  world.play(12, "com.a", "Omega", world.usb);
-  world.play(13, "com.C", "Middle", world.usb);
-  scan();
-  ASSERT_EQ(apps().size(), 3u);
-  EXPECT_EQ(apps()[0].id, "com.C");
-  EXPECT_EQ(apps()[1].id, "com.a");
-  EXPECT_EQ(apps()[2].id, "com.b");
-}
-
 TEST_F(ScannerTest, leaves_out_its_own_process_and_what_has_no_PID_or_no_identity) {
   world.play(AudioWorld::ownPid, "com.quorvane.mixer", "Plemora", world.usb);
   world.play(0, "com.zero", "Zero", world.usb);
@@ -187,14 +176,6 @@ TEST_F(ScannerTest, sees_processes_come_play_move_and_go) {
   ASSERT_EQ(changes.size(), 4u);
   EXPECT_TRUE(apps().empty());
   EXPECT_EQ(world.hal.liveListeners(), listeners - 2);
-}
-
-TEST_F(ScannerTest, survives_listeners_that_cannot_be_registered) {
-  const auto process = world.play(11, "com.a", "A", world.usb);
-  world.hal.faults().add({.call = HalCall::addListener, .object = process, .times = 1});
-  scan();
-  EXPECT_EQ(apps().size(), 1u);
-  EXPECT_EQ(world.hal.liveListeners(), 2) << "the list and one of the two of the process";
 }
 
 TEST_F(ScannerTest, is_never_scanned_once_released) {

@@ -89,18 +89,6 @@ TEST_F(MixerModelTest, tells_of_every_volume_as_it_was_stored) {
               ElementsAre(std::pair(0.0f, true), std::pair(0.5f, false), std::pair(1.0f, false)));
 }
 
-TEST_F(MixerModelTest, ignores_a_volume_that_is_no_number) {
-  MixerModel& mixer = startWithPlayer();
-  mixer.setVolume(0.5f, player);
-  world.settle();
-  const std::string before = stored();
-  mixer.setVolume(std::numeric_limits<float>::quiet_NaN(), player);
-  mixer.setVolume(std::numeric_limits<float>::quiet_NaN(), "com.unknown");
-  world.settle();
-  EXPECT_EQ(stored(), before);
-  EXPECT_EQ(world.heardOn(world.speakers), 0.25f);
-}
-
 TEST_F(MixerModelTest, sets_the_gain_of_a_running_tap_and_never_rebuilds_it) {
   MixerModel& mixer = startWithPlayer();
   mixer.setVolume(0.5f, player);
@@ -136,14 +124,6 @@ TEST_F(MixerModelTest, remembers_levels_across_launches) {
   EXPECT_EQ(world.row(player)->outputUID, "usb");
   EXPECT_EQ(world.heardOn(world.usb), 0.25f);
   EXPECT_EQ(world.heardOn(world.speakers), 0.0f);
-}
-
-TEST_F(MixerModelTest, starts_with_empty_levels_when_they_are_unreadable) {
-  world.defaults.setData("appLevels", "\x01\x02");
-  MixerModel& mixer = startWithPlayer();
-  EXPECT_EQ(world.row(player)->volume, 1.0f);
-  mixer.setVolume(0.5f, player);
-  EXPECT_EQ(world.defaults.data("appLevels.unreadable"), "\x01\x02");
 }
 
 TEST_F(MixerModelTest, routes_an_app_to_the_chosen_device) {

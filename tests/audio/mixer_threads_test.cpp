@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
 #include <thread>
 
+#include "adapters/linux/desktop/thread_queue.h"
 #include "audio/audio_world.h"
 
 // The mixer with its taps queue on a thread of its own and the sound on another one, as it runs in
@@ -14,64 +12,34 @@
 namespace plemora {
 namespace {
 
-class ThreadQueue : public SerialQueue {
- public:
-  explicit ThreadQueue(std::atomic<int>& unfinished) : unfinished_(unfinished) {}
-  ~ThreadQueue() override {
-    {
-      const std::lock_guard lock(mutex_);
-      isEnding_ = true;
+/// Queues on threads of their own, whose unfinished work is counted.
+struct CountedQueues : SerialQueueFactory {
+  struct Queue : SerialQueue {
+    Queue(std::shared_ptr<SerialQueue> on, std::atomic<int>& counted)
+        : thread(std::move(on)), unfinished(counted) {}
+    void async(std::function<void()> work) override {
+      ++unfinished;
+      thread->async([&count = unfinished, work = std::move(work)]() mutable {
+        work();
+        work = nullptr;
+        --count;
+      });
     }
-    changed_.notify_one();
-    thread_.join();
+    std::shared_ptr<SerialQueue> thread;
+    std::atomic<int>& unfinished;
+  };
+
+  std::shared_ptr<SerialQueue> makeQueue(const std::string& label) override {
+    return std::make_shared<Queue>(threads.makeQueue(label), unfinished);
   }
 
-  void async(std::function<void()> work) override {
-    ++unfinished_;
-    {
-      const std::lock_guard lock(mutex_);
-      work_.push_back(std::move(work));
-    }
-    changed_.notify_one();
-  }
-
- private:
-  void run() {
-    std::unique_lock lock(mutex_);
-    for (;;) {
-      changed_.wait(lock, [this] { return isEnding_ || !work_.empty(); });
-      if (work_.empty()) {
-        return;
-      }
-      auto work = std::move(work_.front());
-      work_.pop_front();
-      lock.unlock();
-      work();
-      work = nullptr;
-      --unfinished_;
-      lock.lock();
-    }
-  }
-
-  std::atomic<int>& unfinished_;
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  std::deque<std::function<void()>> work_;
-  bool isEnding_ = false;
-  std::thread thread_{[this] { run(); }};
-};
-
-struct ThreadQueueFactory : SerialQueueFactory {
   std::atomic<int> unfinished = 0;
-
-  std::shared_ptr<SerialQueue> makeQueue(const std::string&) override {
-    return std::make_shared<ThreadQueue>(unfinished);
-  }
+  ThreadQueueFactory threads;
 };
 
 TEST(MixerThreads, keeps_three_threads_apart) {
   AudioWorld world;
-  ThreadQueueFactory queues;
+  CountedQueues queues;
   constexpr const char* ids[] = {"com.a", "com.b", "com.c"};
   std::int32_t pid = 11;
   for (const char* id : ids) {

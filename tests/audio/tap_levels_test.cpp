@@ -93,16 +93,6 @@ TEST_F(TapLevelsTest, count_from_the_beginning_of_the_watching) {
   EXPECT_EQ(early.readings[0][0].inputPeak, 0.75f) << "and nothing is taken from the others";
 }
 
-TEST_F(TapLevelsTest, forget_a_tap_that_has_gone) {
-  Watcher watcher;
-  start(watcher, 1.0);
-  sound("a", 0.75f);
-  main.advance(1.0);
-  taps.clear();
-  main.advance(1.0);
-  EXPECT_THAT(watcher.readings.back(), IsEmpty());
-}
-
 TEST_F(TapLevelsTest, cost_nothing_while_nobody_watches) {
   main.advance(60);
   EXPECT_EQ(reads, 0);
