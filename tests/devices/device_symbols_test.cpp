@@ -103,18 +103,5 @@ TEST_F(DeviceSymbolsTest, BuiltInSpeakersLookLikeTheMachine) {
   }
 }
 
-TEST_F(DeviceSymbolsTest, AsksTheMachineOnce) {
-  DeviceSymbols symbols(hal, system);
-  EXPECT_EQ(system.modelReads + system.batteryReads, 0);
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(symbols.symbol(0, "Speakers", kAudioDeviceTransportTypeBuiltIn), "macmini.fill");
-    EXPECT_FALSE(symbols.hasInternalBattery());
-    system.battery = true;
-    system.model = "iMac21,1";
-  }
-  EXPECT_EQ(system.modelReads, 1);
-  EXPECT_EQ(system.batteryReads, 1);
-}
-
 }  // namespace
 }  // namespace plemora
