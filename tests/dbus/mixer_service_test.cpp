@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "adapters/linux/dbus/mixer_names.h"
@@ -82,12 +81,6 @@ TEST_F(MixerServiceTest, FollowsAVolumeThatIsSetElsewhere) {
   EXPECT_FALSE(app().muted);
 }
 
-TEST_F(MixerServiceTest, AVolumeIsHeard) {
-  service->setAppVolume("player", 0.5);
-  world.settle();
-  EXPECT_FLOAT_EQ(world.heardOn(world.speakers), 0.25f);
-}
-
 TEST_F(MixerServiceTest, RefusesWhatItCannotDoAndSaysWhy) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double infinite = std::numeric_limits<double>::infinity();
@@ -118,76 +111,11 @@ TEST_F(MixerServiceTest, RefusesWhatItCannotDoAndSaysWhy) {
   EXPECT_DOUBLE_EQ(app().volume, 1) << "nothing was changed";
 }
 
-TEST_F(MixerServiceTest, ControlsTheDefaultDevice) {
-  EXPECT_EQ(service->setVolume(0.3), std::nullopt);
-  EXPECT_EQ(service->setMuted(true), std::nullopt);
-  world.settle();
-  EXPECT_DOUBLE_EQ(service->state().volume.value_or(-1), 0.3);
-  EXPECT_TRUE(service->state().muted);
-
-  EXPECT_EQ(service->setDefaultDevice("usb"), std::nullopt);
-  world.settle();
-  EXPECT_EQ(service->state().defaultDevice, "usb");
-
-  for (const AudioObjectID device : {world.speakers, world.usb, world.headset}) {
-    world.hal.removeDevice(device);
-  }
-  world.settle();
-  EXPECT_EQ(service->setVolume(0.3)->name, noVolumeError);
-  EXPECT_THAT(service->setMuted(true)->message, HasSubstr("no default output device"));
-  service->setConnected(false);
-  EXPECT_THAT(service->setMuted(true)->message, HasSubstr("no sound server"));
-}
-
-TEST_F(MixerServiceTest, TellsOfManyChangesOnceATurn) {
-  service->setAppVolume("player", 0.4);
-  service->setAppVolume("player", 0.6);
-  service->toggleAppMute("player");
-  service->setConnected(false);
-  EXPECT_EQ(changes, 0) << "not from inside a call";
-  world.main.drain();
-  EXPECT_EQ(changes, 1);
-
-  service->setConnected(false);
-  world.main.drain();
-  EXPECT_EQ(changes, 1) << "nothing has changed";
-  service->setConnected(true);
-  world.main.drain();
-  EXPECT_EQ(changes, 2);
-}
-
 TEST_F(MixerServiceTest, AChangeThatOutlivesTheServiceDoesNoHarm) {
   service->setAppVolume("player", 0.4);
   service.reset();
   world.settle();
   EXPECT_EQ(changes, 0);
-}
-
-TEST_F(MixerServiceTest, ReadsLevelsOnlyWhileSomebodyWatches) {
-  service->setAppVolume("player", 0.5);
-  world.settle();
-  const int timers = world.main.pendingTimers();
-  std::vector<LevelReport> levels;
-  auto watch = service->watchLevels([&](const auto& now) { levels = now; });
-  world.hal.step(64);
-  world.hal.step(64);
-  world.pass(MixerService::levelInterval);
-  ASSERT_EQ(levels.size(), 1u);
-  EXPECT_EQ(levels[0], (LevelReport{"player", 0.25, 1, 0.25}));
-  EXPECT_EQ(world.main.pendingTimers(), timers + 1);
-
-  watch.reset();
-  EXPECT_EQ(world.main.pendingTimers(), timers);
-}
-
-TEST_F(MixerServiceTest, ExplainsSilence) {
-  service->toggleAppMute("player");
-  world.settle();
-  AudibilityReport report;
-  ASSERT_EQ(service->explain("player", report), std::nullopt);
-  EXPECT_EQ(report.product, 0);
-  EXPECT_THAT(report.verdict, HasSubstr("app mute"));
-  EXPECT_THAT(report.factors, testing::Contains(testing::Field(&FactorReport::name, "app level")));
 }
 
 }  // namespace

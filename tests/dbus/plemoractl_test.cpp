@@ -13,7 +13,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 
 class PlemoractlTest : public MixerOnBus {
  protected:
@@ -121,17 +120,6 @@ TEST_F(PlemoractlTest, EachKindOfFailureHasItsStatusAndMessage) {
   EXPECT_THAT(noBus.err, HasSubstr("no session bus"));
 }
 
-TEST_F(PlemoractlTest, AnAmbiguousNameNamesTheCandidates) {
-  world.hal.updateProcess(world.play(104, "com.example.three", "Player", world.speakers),
-                          [](SimulatedProcess&) {});
-  world.pass(1);
-  const Outcome outcome = ctl({"mute", "player"});
-  EXPECT_EQ(outcome.status, 2);
-  EXPECT_THAT(outcome.err, AllOf(HasSubstr("com.example.two"), HasSubstr("com.example.three"),
-                                 Not(HasSubstr("mpv"))));
-  EXPECT_EQ(ctl({"mute", "com.example.three"}).status, 0);
-}
-
 TEST_F(PlemoractlTest, HelpAndVersionNeedNoBus) {
   auto environment = bus.environment();
   environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + bus.path("nothing"));
@@ -139,16 +127,6 @@ TEST_F(PlemoractlTest, HelpAndVersionNeedNoBus) {
   EXPECT_THAT(ctl({"volume", "--help"}, environment).out,
               HasSubstr("usage: plemoractl volume APP"));
   EXPECT_THAT(ctl({"--version"}, environment).out, testing::MatchesRegex("plemoractl [0-9.]+\n"));
-}
-
-TEST_F(PlemoractlTest, StatusNamesWhatSilencesAnApp) {
-  EXPECT_EQ(ctl({"mute", "mpv"}).status, 0);
-  const Outcome one = ctl({"status", "mpv"});
-  EXPECT_EQ(one.status, 0);
-  EXPECT_THAT(one.out, AllOf(HasSubstr("silent: app mute"), HasSubstr("> app mute"),
-                             HasSubstr("x 0"), Not(HasSubstr("Firefox"))));
-  EXPECT_THAT(ctl({"status"}).out, AllOf(HasSubstr("Firefox  (org.mozilla.firefox)"),
-                                         HasSubstr("mpv Media Player  (mpv)")));
 }
 
 TEST_F(PlemoractlTest, WatchPrintsALinePerChangeIntoAPipe) {

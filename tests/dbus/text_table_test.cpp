@@ -48,17 +48,6 @@ TEST(TextTable, CutsAtColumnsAndMarksTheCut) {
   EXPECT_EQ(fitted("abc", 0), "");
 }
 
-TEST(TextTable, AlignsColumnsWithoutTrailingBlanks) {
-  TextTable table;
-  table.rows = {{{"APP"}, {"VOL", CellStyle::plain, true}, {"OUT"}},
-                {{"音楽"}, {"5%", CellStyle::plain, true}, {""}},
-                {{"mpv"}, {"100%", CellStyle::plain, true}, {"x"}}};
-  EXPECT_EQ(table.text(false),
-            "APP    VOL  OUT\n"
-            "音楽    5%\n"
-            "mpv   100%  x\n");
-}
-
 TEST(TextTable, KeepsEveryLineWithinTheTerminal) {
   TextTable table;
   table.rows = {{{"A very long name of an app"}, {"40%"}, {"some.identifier"}},
