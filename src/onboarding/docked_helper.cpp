@@ -321,10 +321,7 @@ void DockedHelper::end(std::function<void()> completion) {
   stopFollowing();
   isLeaving_ = false;
   isDocked_ = false;
-  if (panel_) {
-    panel_->window().orderOut();
-    panel_.reset();
-  }
+  panel_.reset();
   if (completion) {
     completion();
   }

@@ -53,6 +53,10 @@ HelperPanel::HelperPanel(const OnboardingServices& services, std::shared_ptr<Hos
       cornerRadius, StatusItemController::rimZPosition);
 }
 
+HelperPanel::~HelperPanel() {
+  panel_->orderOut();
+}
+
 void HelperPanel::appear(const Rect& frame, int level) {
   fade_.stop();
   spring_.emplace(panel_, links_, clock_);

@@ -22,6 +22,7 @@ class HelperPanel {
   /// from then on, in points.
   static std::unique_ptr<HelperPanel> make(const OnboardingServices& services, HelperView& view,
                                            std::function<void(double height)> heightChanged);
+  ~HelperPanel();
   HelperPanel(const HelperPanel&) = delete;
   HelperPanel& operator=(const HelperPanel&) = delete;
 

@@ -80,6 +80,7 @@ MenuBarPointer::~MenuBarPointer() {
   if (isShown()) {
     ripple_.hide();
   }
+  dropCallout();
 }
 
 void MenuBarPointer::show(const Rect& below, std::function<void()> onOpen) {

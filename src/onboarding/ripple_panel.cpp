@@ -26,7 +26,17 @@ PanelWindowOptions rippleOptions() {
 
 RipplePanel::RipplePanel(const OnboardingServices& services) : services_(services) {}
 
-RipplePanel::~RipplePanel() = default;
+RipplePanel::~RipplePanel() {
+  drop();
+}
+
+void RipplePanel::drop() {
+  if (shown_) {
+    shown_->panel->order(WindowOrder::out);
+    shown_->view->setVisible(false);
+    shown_.reset();
+  }
+}
 
 bool RipplePanel::makeShown() {
   if (shown_) {
@@ -69,10 +79,8 @@ void RipplePanel::hide() {
   }
   isHiding_ = true;
   shown_->animation.animateAlpha(0, fadeOutTime, [this] {
-    shown_->panel->order(WindowOrder::out);
-    shown_->view->setVisible(false);
-    shown_.reset();
     isHiding_ = false;
+    drop();
   });
 }
 

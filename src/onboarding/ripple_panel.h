@@ -38,6 +38,7 @@ class RipplePanel {
   };
 
   bool makeShown();
+  void drop();
 
   const OnboardingServices services_;
   std::optional<Shown> shown_;
