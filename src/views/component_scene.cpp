@@ -33,8 +33,10 @@ class ComponentScene::Parts : public QObject {
     engine_.addImageProvider("symbol", new SymbolProvider);    // the engine owns it
     engine_.addImageProvider("appicon", new AppIconProvider);  // the engine owns it
     QQmlComponent component(&engine_, QUrl(QString("qrc:/qt/qml/Plemora/%1.qml").arg(name)));
-    std::unique_ptr<QObject> root(
-        component.createWithInitialProperties({{"page", QVariant::fromValue(&binding)}}));
+    std::unique_ptr<QObject> root;
+    if (!component.isError()) {
+      root.reset(component.createWithInitialProperties({{"page", QVariant::fromValue(&binding)}}));
+    }
     item_.reset(qobject_cast<QQuickItem*>(root.get()));
     if (item_ == nullptr) {
       logger.error("A window cannot be shown, since its view " + std::string(name) +

@@ -29,6 +29,7 @@ SetupCardValue SetupBinding::card(int index) const {
   value.line = QString::fromStdString(card.line);
   value.note = QString::fromStdString(card.note);
   value.buttonTitle = QString::fromStdString(card.buttonTitle);
+  value.buttonLabel = QString::fromStdString(card.buttonLabel());
   value.skipTitle = QString::fromStdString(card.skipTitle);
   value.isButtonEnabled = card.isButtonEnabled;
   value.isPending = card.status == StepStatus::pending;

@@ -19,6 +19,7 @@ struct SetupCardValue {
   Q_PROPERTY(QString line MEMBER line)
   Q_PROPERTY(QString note MEMBER note)
   Q_PROPERTY(QString buttonTitle MEMBER buttonTitle)
+  Q_PROPERTY(QString buttonLabel MEMBER buttonLabel)
   Q_PROPERTY(QString skipTitle MEMBER skipTitle)
   Q_PROPERTY(bool isButtonEnabled MEMBER isButtonEnabled)
   Q_PROPERTY(bool isPending MEMBER isPending)
@@ -33,6 +34,7 @@ struct SetupCardValue {
   QString line;
   QString note;
   QString buttonTitle;
+  QString buttonLabel;  ///< for assistive technology
   QString skipTitle;
   bool isButtonEnabled = false;
   // Exactly one of them.

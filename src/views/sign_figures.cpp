@@ -145,14 +145,15 @@ void paintStillRipple(QPainter& painter, double, const QColor& color) {
 }
 
 void paintAllSet(QPainter& painter, double phase, const QColor&) {
+  constexpr double haloRadius = 78;
   const QPointF center(150, 90);
   const double glow = partOf(phase, 0, 0.5);
-  QRadialGradient halo(center, 84);
+  QRadialGradient halo(center, haloRadius);
   halo.setColorAt(0, faded(QColor("#3d7bff"), 0.38 * glow));
   halo.setColorAt(1, faded(QColor("#3d7bff"), 0));
   painter.setPen(Qt::NoPen);
   painter.setBrush(halo);
-  painter.drawEllipse(center, 84, 84);
+  painter.drawEllipse(center, haloRadius, haloRadius);
   paintConfetti(painter, center, sprung(partOf(phase, 0.15, 0.8)));
 
   const double side = 112 * (0.8 + 0.2 * sprung(partOf(phase, 0, 0.45)));

@@ -10,6 +10,7 @@
 
 #include "main/gallery/gallery_states.h"
 #include "main/gallery/panel_picture.h"
+#include "main/gallery/setup_picture.h"
 
 namespace plemora {
 
@@ -33,17 +34,22 @@ bool fail(const QString& message) {
   return false;
 }
 
+bool keep(const QDir& folder, const QString& name, const QImage& picture) {
+  if (picture.isNull()) {
+    return fail(name + " could not be drawn; the log says why");
+  }
+  const QString path = folder.filePath(name + ".png");
+  return picture.save(path, "PNG") ||
+         fail("cannot write " + path + "; choose a folder that can be written to");
+}
+
 bool draw(const GalleryState& state, const QDir& folder) {
   for (const Shot& shot : shots) {
     GalleryWorld world(state);
-    const QImage picture = panelPicture(world, shot.wallpaper, shot.scale, state.room);
-    if (picture.isNull()) {
-      return fail("the panel could not be drawn; the log says why");
-    }
-    const QString path = folder.filePath(
-        QString("%1-%2.png").arg(QString::fromStdString(state.name), QString(shot.suffix)));
-    if (!picture.save(path, "PNG")) {
-      return fail("cannot write " + path + "; choose a folder that can be written to");
+    if (!keep(folder,
+              QString("%1-%2").arg(QString::fromStdString(state.name), QString(shot.suffix)),
+              panelPicture(world, shot.wallpaper, shot.scale, state.room))) {
+      return false;
     }
   }
   return true;
@@ -71,6 +77,13 @@ int renderScreenshots(const std::string& folder) {
   }
   for (const GalleryState& state : galleryStates(icons.path().toStdString())) {
     if (!draw(state, target)) {
+      return 1;
+    }
+  }
+  for (const double scale : {1.0, 2.0}) {
+    if (!drawSetup(scale, [&target](const QString& picture, const QImage& image) {
+          return keep(target, picture, image);
+        })) {
       return 1;
     }
   }

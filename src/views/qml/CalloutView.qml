@@ -14,9 +14,10 @@ FocusScope {
     Accessible.name: page.title
 
     SetupTints {
-        id: tints
+        id: theme
 
         isDark: true
+        isGlass: true
     }
 
     Paragraph {
@@ -26,7 +27,7 @@ FocusScope {
         y: 14
         width: Math.ceil(Math.min(implicitWidth, 300))
         text: root.page.title
-        color: tints.text
+        color: theme.text
         font.pixelSize: 14
         font.weight: Font.DemiBold
         Accessible.role: Accessible.Heading
@@ -39,7 +40,7 @@ FocusScope {
         y: title.y + title.height + 3
         width: Math.ceil(Math.min(implicitWidth, 300))
         text: root.page.line
-        color: tints.secondary
+        color: theme.secondary
         font.pixelSize: 12
     }
 
@@ -52,7 +53,7 @@ FocusScope {
         height: implicitHeight
         title: root.page.buttonTitle
         symbol: root.page.buttonSymbol
-        tints: tints
+        tints: theme
         showsFocus: root.page.showsFocus
         onAction: root.page.open()
     }

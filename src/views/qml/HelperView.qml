@@ -14,15 +14,16 @@ FocusScope {
     readonly property bool hasFooter: page.backTitle !== "" || page.doneTitle !== ""
 
     implicitWidth: 468
-    implicitHeight: page.hasSucceeded ? 132 : body.height + (hasFooter ? footer.height : 0)
+    implicitHeight: page.hasSucceeded ? success.height : body.height + (hasFooter ? footer.height : 0)
     focus: true
     Accessible.role: Accessible.Pane
-    Accessible.name: page.hasSucceeded ? qsTr("Done") : page.spokenInstructions
+    Accessible.name: qsTr("Help with setup")
 
     SetupTints {
-        id: tints
+        id: theme
 
         isDark: true
+        isGlass: true
     }
 
     Nod {
@@ -71,7 +72,7 @@ FocusScope {
                 height: implicitHeight
                 visible: root.page.hasDragIcon
                 page: root.page
-                tints: tints
+                tints: theme
             }
 
             Plate {
@@ -108,7 +109,7 @@ FocusScope {
                 width: parent.width
                 textFormat: Text.StyledText
                 text: Window.window === null ? root.page.spokenInstructions : root.page.instructions
-                color: tints.text
+                color: theme.text
                 font.pixelSize: 15
                 lineHeight: 1.15
                 Accessible.name: root.page.spokenInstructions
@@ -135,7 +136,7 @@ FocusScope {
                 width: parent.width - x
                 visible: text !== ""
                 text: root.page.note
-                color: tints.secondary
+                color: theme.secondary
                 font.pixelSize: 12
             }
 
@@ -147,7 +148,7 @@ FocusScope {
                 height: implicitHeight
                 visible: root.page.askTitle !== ""
                 title: root.page.askTitle
-                tints: tints
+                tints: theme
                 isQuiet: true
                 showsFocus: root.page.showsFocus
                 onAction: root.page.askInstead()
@@ -160,14 +161,14 @@ FocusScope {
 
         y: body.height
         width: root.width
-        height: 50
+        height: 58
         visible: root.hasFooter && !root.page.hasSucceeded
 
         Rectangle {
             x: root.margin
             width: parent.width - 2 * x
             height: 1
-            color: tints.divider
+            color: theme.divider
         }
 
         PushButton {
@@ -177,8 +178,7 @@ FocusScope {
             height: implicitHeight
             visible: root.page.backTitle !== ""
             title: root.page.backTitle
-            tints: tints
-            isQuiet: true
+            tints: theme
             showsFocus: root.page.showsFocus
             onAction: root.page.goBack()
         }
@@ -190,24 +190,46 @@ FocusScope {
             height: implicitHeight
             visible: root.page.doneTitle !== ""
             title: root.page.doneTitle
-            tints: tints
+            tints: theme
             isPrimary: true
             showsFocus: root.page.showsFocus
             onAction: root.page.done()
         }
     }
 
-    OneTimeFigure {
-        x: Math.round((root.width - width) / 2)
-        y: Math.round((root.height - height) / 2)
-        width: 84
-        height: 84
-        name: "success"
+    Item {
+        id: success
+
+        width: root.width
+        height: outcome.y + outcome.height + 22
         visible: root.page.hasSucceeded
-        shown: root.page.hasSucceeded
-        moves: root.page.animates
-        duration: 900
-        Accessible.role: Accessible.Graphic
-        Accessible.name: qsTr("Done")
+
+        OneTimeFigure {
+            id: mark
+
+            x: Math.round((parent.width - width) / 2)
+            y: 16
+            width: 84
+            height: 84
+            name: "success"
+            shown: root.page.hasSucceeded
+            moves: root.page.animates
+            duration: 900
+            Accessible.role: Accessible.Graphic
+            Accessible.name: qsTr("Done")
+        }
+
+        Paragraph {
+            id: outcome
+
+            x: 40
+            y: mark.y + mark.height + 6
+            width: parent.width - 80
+            horizontalAlignment: Text.AlignHCenter
+            text: root.page.spokenInstructions
+            color: theme.text
+            font.pixelSize: 15
+            font.weight: Font.Medium
+        }
     }
 }

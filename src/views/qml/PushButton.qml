@@ -7,7 +7,8 @@ FocusScope {
 
     required property string title
     required property SetupTints tints
-    property string description
+    /// What assistive technology calls it.
+    property string label: title
     property string symbol
     property bool isPrimary: false
     property bool isQuiet: false
@@ -24,12 +25,11 @@ FocusScope {
             action();
     }
 
-    implicitWidth: Math.max(minimumWidth, Math.ceil(label.implicitWidth) + (glyph.visible ? glyph.width + 5 : 0) + (isQuiet ? 0 : 32))
+    implicitWidth: Math.max(minimumWidth, Math.ceil(caption.implicitWidth) + (glyph.visible ? glyph.width + 5 : 0) + (isQuiet ? 0 : 32))
     implicitHeight: isQuiet ? 20 : 30
     activeFocusOnTab: isEnabled
     Accessible.role: Accessible.Button
-    Accessible.name: title
-    Accessible.description: description
+    Accessible.name: label
     Accessible.focusable: isEnabled
     Accessible.onPressAction: root.act()
     Keys.onPressed: event => {
@@ -57,7 +57,7 @@ FocusScope {
     Symbol {
         id: glyph
 
-        x: Math.round((root.width - width - 5 - label.implicitWidth) / 2)
+        x: Math.round((root.width - width - 5 - caption.implicitWidth) / 2)
         anchors.verticalCenter: parent.verticalCenter
         // Not before there is a window, whose scale the picture is made for.
         name: Window.window === null ? "" : root.symbol
@@ -67,7 +67,7 @@ FocusScope {
     }
 
     Text {
-        id: label
+        id: caption
 
         x: glyph.visible ? glyph.x + glyph.width + 5 : Math.round((root.width - implicitWidth) / 2)
         anchors.verticalCenter: parent.verticalCenter
@@ -78,7 +78,7 @@ FocusScope {
         font.family: Metrics.family
         font.pixelSize: root.isQuiet ? 12 : 13
         font.weight: Font.Medium
-        font.underline: root.isQuiet && hover.hovered && root.isEnabled
+        font.underline: root.isQuiet && root.isEnabled && (root.tints.isGlass || hover.hovered)
         Accessible.ignored: true
     }
 

@@ -8,7 +8,7 @@ FocusScope {
     required property SetupBinding page
     required property SetupTints tints
     readonly property real contentHeight: drawing.height + 22 + title.height + 10 + lines.height + 28 + finish.height
-    readonly property real top: Math.max(40, Math.round((height - contentHeight) / 2))
+    readonly property real start: Math.max(40, Math.round((height - contentHeight) / 2))
 
     implicitHeight: contentHeight + 80
 
@@ -16,7 +16,7 @@ FocusScope {
         id: drawing
 
         x: Math.round((root.width - width) / 2)
-        y: root.top
+        y: root.start
         width: 330
         height: 185
         name: "allSet"
@@ -42,9 +42,9 @@ FocusScope {
     Column {
         id: lines
 
-        x: 70
+        x: 40
         y: title.y + title.height + 10
-        width: root.width - 140
+        width: root.width - 80
         spacing: 4
 
         Repeater {

@@ -37,7 +37,7 @@ FocusScope {
     }
 
     SetupTints {
-        id: tints
+        id: theme
 
         isDark: root.page.isDark
     }
@@ -45,7 +45,7 @@ FocusScope {
     Rectangle {
         anchors.fill: parent
         visible: root.page.isOpaque
-        color: tints.ground
+        color: theme.ground
     }
 
     Image {
@@ -75,7 +75,7 @@ FocusScope {
 
             width: parent.width
             text: root.page.title
-            color: tints.text
+            color: theme.text
             font.pixelSize: 24
             font.weight: Font.Bold
             Accessible.role: Accessible.Heading
@@ -87,7 +87,7 @@ FocusScope {
             y: title.height + 3
             width: parent.width
             text: root.page.line
-            color: tints.secondary
+            color: theme.secondary
         }
     }
 
@@ -137,7 +137,7 @@ FocusScope {
                         width: column.width
                         height: implicitHeight
                         page: root.page
-                        tints: tints
+                        tints: theme
                         onButtonFrameChanged: root.page.reportButtonFrame(card.id, buttonFrame)
                         onActiveFocusChanged: {
                             if (activeFocus && cards.interactive)
@@ -162,7 +162,7 @@ FocusScope {
             y: Math.round((footer.height - height) / 2) - 2
             done: root.page.doneCards
             count: root.page.cardCount
-            tints: tints
+            tints: theme
         }
 
         PushButton {
@@ -172,7 +172,7 @@ FocusScope {
             height: implicitHeight
             visible: root.page.finishTitle !== ""
             title: root.page.finishTitle
-            tints: tints
+            tints: theme
             showsFocus: root.page.showsFocus
             onAction: root.page.finish()
         }
@@ -184,6 +184,6 @@ FocusScope {
         anchors.fill: parent
         visible: root.page.isComplete
         page: root.page
-        tints: tints
+        tints: theme
     }
 }

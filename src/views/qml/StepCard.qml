@@ -15,15 +15,19 @@ FocusScope {
     readonly property string status: card.isDone ? qsTr("Done") : card.isInSettings ? qsTr("In System Settings") : card.isWorking ? qsTr("In progress") : card.isActive ? qsTr("Ready") : qsTr("Not yet")
     readonly property string note: card.note !== "" ? card.note : card.isInSettings ? qsTr("Waiting for System Settings…") : ""
     readonly property bool isWaiting: card.isInSettings || card.isWorking
-    readonly property real textTop: 17
+    readonly property real textTop: 21
 
     // Room for one line of note in any case, and what was once needed stays.
     property real noteRoom: 20
     readonly property real noteNeed: (noteText.visible ? noteText.height : 0) + (skip.visible ? skip.height : 0) + (noteText.visible && skip.visible ? 3 : 0)
 
-    onNoteNeedChanged: noteRoom = Math.max(noteRoom, noteNeed)
+    property real sideRoom: 96
+    readonly property real sideNeed: card.buttonTitle !== "" ? button.implicitWidth : 0
 
-    implicitHeight: Math.max(100, textTop + title.height + 3 + line.height + 5 + noteRoom + 11)
+    onNoteNeedChanged: noteRoom = Math.max(noteRoom, noteNeed)
+    onSideNeedChanged: sideRoom = Math.max(sideRoom, sideNeed)
+
+    implicitHeight: Math.max(100, textTop + title.height + 3 + line.height + 5 + noteRoom + 9)
     Accessible.role: Accessible.Grouping
     Accessible.name: card.title
     Accessible.description: [status, card.line, note !== status ? note : ""].filter(part => part !== "").join(". ")
@@ -110,7 +114,7 @@ FocusScope {
         width: title.width - (x - title.x)
         visible: text !== ""
         text: root.note
-        color: root.tints.text
+        color: root.isRaised ? root.tints.text : root.tints.secondary
         font.pixelSize: 12
         font.weight: Font.Medium
         Accessible.ignored: true
@@ -120,7 +124,7 @@ FocusScope {
         id: side
 
         x: root.width - width - 18
-        width: Math.max(96, button.visible ? button.implicitWidth : 0)
+        width: root.sideRoom
         height: root.height
 
         PushButton {
@@ -130,9 +134,10 @@ FocusScope {
             y: Math.round((side.height - height) / 2)
             width: Math.max(implicitWidth, 96)
             height: implicitHeight
-            visible: root.card.buttonTitle !== "" && !root.card.isDone
+            // What cannot be begun yet has nothing to press.
+            visible: root.card.buttonTitle !== "" && !root.card.isDone && (isEnabled || !root.card.isPending)
             title: root.card.buttonTitle
-            description: root.card.title
+            label: root.card.buttonLabel
             tints: root.tints
             isPrimary: root.card.isActive && isEnabled
             isEnabled: root.card.isButtonEnabled
@@ -175,7 +180,6 @@ FocusScope {
         height: implicitHeight
         visible: root.card.skipTitle !== "" && !root.card.isDone
         title: root.card.skipTitle
-        description: root.card.title
         tints: root.tints
         isQuiet: true
         showsFocus: root.page.showsFocus
