@@ -17,23 +17,25 @@ const Color red{1, 0, 0, 1};
 const Color green{0, 1, 0, 1};
 const Color blue{0, 0, 1, 1};
 
-std::shared_ptr<Layer> plain(const Rect& frame, const Color& color) {
-  auto layer = std::make_shared<Layer>();
-  layer->frame = frame;
-  layer->backgroundColor = color;
-  return layer;
-}
-
-std::shared_ptr<Layer> shape(const Rect& frame, ShapeContent content) {
+std::shared_ptr<Layer> filled(const Rect& frame, LayerContent content) {
   auto layer = std::make_shared<Layer>();
   layer->frame = frame;
   layer->content = std::move(content);
   return layer;
 }
 
+std::shared_ptr<Layer> plain(const Rect& frame, const Color& color) {
+  auto layer = filled(frame, {});
+  layer->backgroundColor = color;
+  return layer;
+}
+
+std::shared_ptr<Layer> shape(const Rect& frame, ShapeContent content) {
+  return filled(frame, std::move(content));
+}
+
 std::shared_ptr<Layer> group(const Rect& frame, std::vector<std::shared_ptr<Layer>> sublayers) {
-  auto layer = std::make_shared<Layer>();
-  layer->frame = frame;
+  auto layer = filled(frame, {});
   layer->sublayers = std::move(sublayers);
   return layer;
 }
@@ -45,6 +47,11 @@ ImageContent image(int width, int height, std::vector<unsigned char> bytes) {
 template <typename Change>
 std::shared_ptr<Layer> with(std::shared_ptr<Layer> layer, Change change) {
   change(*layer);
+  return layer;
+}
+
+std::shared_ptr<Layer> masked(std::shared_ptr<Layer> layer, std::shared_ptr<Layer> mask) {
+  layer->mask = std::move(mask);
   return layer;
 }
 
@@ -133,24 +140,13 @@ std::vector<LayerCase> layerCases() {
        shape({5, 5, 1, 1}, {{{{-5, -5, 20, 20}}}, false, red}),
        {{{1.5, 1.5}, 0xffff0000}, {{18.5, 18.5}, 0xffff0000}}},
       {"mask by its alpha",
-       with(plain(all, red),
-            [](Layer& l) {
-              l.mask = plain({4, 4, 8, 8}, Color::black(0.5));
-            }),
+       masked(plain(all, red), plain({4, 4, 8, 8}, Color::black(0.5))),
        {{{3.5, 5.5}, 0xff404040}, {{5.5, 5.5}, 0xff9f2020}, {{12.5, 5.5}, 0xff404040}}},
       {"mask in the layer's space",
-       with(plain({10, 10, 10, 10}, red),
-            [](Layer& l) {
-              l.mask = plain({5, 5, 2, 2}, green);
-            }),
+       masked(plain({10, 10, 10, 10}, red), plain({5, 5, 2, 2}, green)),
        {{{14.5, 14.5}, 0xff404040}, {{15.5, 15.5}, 0xffff0000}, {{17.5, 17.5}, 0xff404040}}},
       {"mask of a mask",
-       with(plain(all, red),
-            [](Layer& l) {
-              l.mask = with(plain({0, 0, 10, 20}, green), [](Layer& m) {
-                m.mask = plain({5, 0, 15, 20}, green);
-              });
-            }),
+       masked(plain(all, red), masked(plain({0, 0, 10, 20}, green), plain({5, 0, 15, 20}, green))),
        {{{4.5, 5.5}, 0xff404040}, {{7.5, 5.5}, 0xffff0000}, {{12.5, 5.5}, 0xff404040}}},
       {"screen",
        with(plain(all, {0.5, 1, 0, 1}), blend(BlendMode::screen)),
@@ -169,37 +165,22 @@ std::vector<LayerCase> layerCases() {
              {plain(all, red), with(plain(all, Color::gray(0.7)), blend(BlendMode::saturation))}),
        {{{5.5, 5.5}, 0xff4d4d4d}}},
       {"gradient downwards",
-       with(group(all, {}),
-            [](Layer& l) {
-              l.content = GradientContent{{Color::black(), Color::white()}};
-            }),
+       filled(all, GradientContent{{Color::black(), Color::white()}}),
        {{{3.5, 0.5}, 0xff060606, 3}, {{12.5, 10}, 0xff868686, 7}, {{3.5, 19.5}, 0xfff9f9f9, 3}}},
       {"gradient with stops, to the right",
-       with(group(all, {}),
-            [](Layer& l) {
-              l.content = GradientContent{{red, red, blue}, {0, 0.5, 0.5}, {0, 0.5}, {1, 0.5}};
-            }),
+       filled(all, GradientContent{{red, red, blue}, {0, 0.5, 0.5}, {0, 0.5}, {1, 0.5}}),
        {{{9.5, 3.5}, 0xffff0000}, {{10.5, 3.5}, 0xff0000ff}}},
       {"gradient of alphas stays white",
-       with(group(all, {}),
-            [](Layer& l) {
-              l.content = GradientContent{{Color::white(0), Color::white(1)}};
-            }),
+       filled(all, GradientContent{{Color::white(0), Color::white(1)}}),
        {{{3.5, 10}, 0xffa4a4a4, 6}}},
       {"image stretched over the layer",
-       with(group({0, 0, 20, 10}, {}),
-            [](Layer& l) {
-              l.content = image(2, 1, {255, 0, 0, 255, 0, 0, 255, 255});
-            }),
+       filled({0, 0, 20, 10}, image(2, 1, {255, 0, 0, 255, 0, 0, 255, 255})),
        {{{1.5, 5.5}, 0xffff0000},
         {{18.5, 5.5}, 0xff0000ff},
         {{10, 5.5}, 0xff7f007f, 14},
         {{10.5, 10.5}, 0xff404040}}},
       {"image with alpha is not premultiplied",
-       with(group(all, {}),
-            [](Layer& l) {
-              l.content = image(1, 1, {255, 0, 0, 128});
-            }),
+       filled(all, image(1, 1, {255, 0, 0, 128})),
        {{{5.5, 5.5}, 0xffa02020}}},
       {"feathering softens the edge and keeps the middle",
        with(shape({0, 0, 20, 20}, {{{{-20, -20, 30, 60}}}, false, Color::white()}),
