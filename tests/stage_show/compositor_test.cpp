@@ -1,5 +1,4 @@
 #include <cmath>
-#include <set>
 
 #include "main/stage/stage_compositor.h"
 #include "stage_show/show_rig.h"
@@ -27,53 +26,7 @@ int distance(const QColor& a, const QColor& b) {
          std::abs(a.blue() - b.blue());
 }
 
-TEST(StageWallpaper, EachKindIsItsOwnAndTheSameAtEveryCall) {
-  std::set<QByteArray> seen;
-  for (const NamedWallpaper& entry : stageWallpapers()) {
-    const QImage picture = paintWallpaper(entry.wallpaper, {320, 200}, 1);
-    const QByteArray bytes(reinterpret_cast<const char*>(picture.constBits()),
-                           picture.sizeInBytes());
-    EXPECT_TRUE(seen.insert(bytes).second) << entry.name;
-    EXPECT_EQ(picture, paintWallpaper(entry.wallpaper, {320, 200}, 1)) << entry.name;
-    EXPECT_EQ(paintWallpaper(entry.wallpaper, {320, 200}, 2).size(), QSize(640, 400));
-    EXPECT_EQ(stageWallpaperNamed(entry.name), entry.wallpaper);
-  }
-  EXPECT_EQ(stageWallpaperNamed("Photograph"), std::nullopt);
-}
-
 using StageCompositorTest = StageShowTest;
-
-TEST_F(StageCompositorTest, DrawsWindowsByLevelThenByTheirOrder) {
-  EXPECT_EQ(colorAt(shared), plain);
-  const auto first = makeWindow(left, red);
-  const auto second = makeWindow(right, green);
-  EXPECT_EQ(colorAt(shared), QColor("#00ff00"));
-  EXPECT_EQ(colorAt({310, 490}), QColor("#ff0000"));
-  EXPECT_EQ(colorAt({299, 450}), plain);
-  EXPECT_EQ(colorAt({301, 501}), plain);
-  first->order(WindowOrder::front);
-  EXPECT_EQ(colorAt(shared), QColor("#ff0000"));
-  {
-    const auto above = makeWindow(right, green, level(3));
-    first->order(WindowOrder::front);
-    EXPECT_EQ(colorAt(shared), QColor("#00ff00"));
-  }
-  EXPECT_EQ(colorAt(shared), QColor("#ff0000"));
-  first->order(WindowOrder::out);
-  second->order(WindowOrder::out);
-  EXPECT_EQ(colorAt(shared), plain);
-}
-
-TEST_F(StageCompositorTest, MixesByTheAlphaOfTheWholeWindow) {
-  const auto below = makeWindow(left, red);
-  const auto window = makeWindow(left, green);
-  window->setAlpha(0.5);
-  const QColor half = colorAt(shared);
-  EXPECT_NEAR(half.red(), 127, 2);
-  EXPECT_NEAR(half.green(), 127, 2);
-  window->setAlpha(0);
-  EXPECT_EQ(colorAt(shared), QColor("#ff0000"));
-}
 
 TEST_F(StageCompositorTest, ShowsWindowsThatThePointerGoesThrough) {
   const auto below =
@@ -186,59 +139,6 @@ TEST_F(StageCompositorTest, DrawsEveryScreenAtItsScale) {
   EXPECT_EQ(raised.pixelColor(2 * 100, 2 * 150), QColor("#ff0000"));
   EXPECT_EQ(raised.pixelColor(2 * 121, 2 * 150), plain);
   EXPECT_TRUE(show.picture(3).isNull());
-}
-
-TEST_F(StageCompositorTest, ShowsControlCenterAsItFadesAndIsEdited) {
-  const QImage bare = show.picture(screen);
-  desktop.controlCenter.open();
-  show.advance(StageControlCenter::fadeInDuration / 2);
-  const StageControlPanel panel = desktop.controlCenter.panel();
-  ASSERT_FALSE(desktop.controlCenter.shownTiles().empty());
-  const Rect tile = panel.tile(desktop.controlCenter.shownTiles().front());
-  const Point middle{tile.midX(), tile.minY() + 6};
-  const QColor half = colorAt(middle);
-  show.advance(1);
-  const QColor whole = colorAt(middle);
-  EXPECT_GT(distance(half, plain), 3);
-  EXPECT_GT(distance(whole, plain), distance(half, plain));
-  // Beside the tiles the desktop shows, and in edit mode the whole of it is covered.
-  const Point beside{200, 300};
-  EXPECT_EQ(colorAt(beside), plain);
-  desktop.controlCenter.pressEditButton();
-  show.advance(1);
-  EXPECT_NE(colorAt(beside), plain);
-  desktop.controlCenter.pressEditButton();
-  show.advance(1);
-  desktop.controlCenter.close();
-  show.advance(1);
-  EXPECT_EQ(show.picture(screen), bare);
-}
-
-TEST_F(StageCompositorTest, DrawsEveryKindOfWindowInBothAppearances) {
-  StagePlayer& player = desktop.players.start("org.example.tune", "Tune");
-  desktop.settings.show(StageSettings::Pane::sound);
-  show.settle();
-  const Point inPlayer{player.frame.midX(), player.frame.minY() + 3};
-  const Point inSettings{desktop.settings.frame().maxX() - 30, desktop.settings.frame().minY() + 9};
-  const Point inDock{desktop.dock.frame().midX(), desktop.dock.frame().minY() + 3};
-  desktop.appearance.setDark(true);
-  const QColor dark[] = {colorAt(inPlayer), colorAt(inSettings), colorAt(inDock)};
-  desktop.appearance.setDark(false);
-  const QColor light[] = {colorAt(inPlayer), colorAt(inSettings), colorAt(inDock)};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_GT(light[i].lightness(), dark[i].lightness()) << i;
-    EXPECT_NE(dark[i], plain) << i;
-  }
-}
-
-TEST_F(StageCompositorTest, DrawsThePointerWhereItIs) {
-  desktop.movePointer({600, 400});
-  const QColor without = colorAt({603, 395});
-  show.setShowsPointer(true);
-  EXPECT_EQ(without, plain);
-  EXPECT_LT(colorAt({603, 393}).lightness(), 40);
-  desktop.movePointer({700, 400});
-  EXPECT_EQ(colorAt({603, 393}), plain);
 }
 
 }  // namespace

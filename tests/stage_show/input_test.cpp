@@ -91,37 +91,6 @@ TEST_F(PanelOnStageTest, ASliderDraggedByTheStagesPointerTurnsTheApp) {
   EXPECT_EQ(volume(), 0);
 }
 
-TEST_F(PanelOnStageTest, WheelAndKeysReachTheControls) {
-  desktop.scroll(at(control("Tune volume", true)), 0, -20, -1);
-  const float turned = volume();
-  EXPECT_LT(turned, 1);
-  EXPECT_GT(turned, 0.8F);
-  // Tab by tab to the app's slider: the master's, its button, its own.
-  for (int i = 0; i < 3; ++i) {
-    desktop.key(48);
-  }
-  desktop.key(123);  // left
-  const float lower = volume();
-  EXPECT_LT(lower, turned);
-  desktop.key(123, {}, 0x20000);  // with shift: a little
-  EXPECT_LT(volume(), lower);
-  EXPECT_GT(volume(), lower - 0.02F);
-  desktop.type("m");
-  show.settle();
-  EXPECT_TRUE(mixer->channels.get().front().isMuted);
-}
-
-TEST_F(PanelOnStageTest, WhatThePointerIsOverShowsItAndNoLongerOnceItIsGone) {
-  const StageControl row = control("Sound Settings…");
-  const QColor rest = colorAt({row.frame.x + 8, row.frame.midY()});
-  desktop.movePointer(at(row));
-  show.advance(0.5);
-  EXPECT_NE(colorAt({row.frame.x + 8, row.frame.midY()}), rest);
-  desktop.movePointer({100, 100});
-  show.advance(0.5);
-  EXPECT_EQ(colorAt({row.frame.x + 8, row.frame.midY()}), rest);
-}
-
 TEST_F(PanelOnStageTest, ControlsAreToldWhereTheWindowIs) {
   const Rect before = control("Tune volume", true).frame;
   EXPECT_TRUE(window->frame().inset(-1, -1).contains(before.origin()));
@@ -129,12 +98,6 @@ TEST_F(PanelOnStageTest, ControlsAreToldWhereTheWindowIs) {
   EXPECT_EQ(control("Tune volume", true).frame, before.offset(-120, 30));
   window->order(WindowOrder::out);
   EXPECT_TRUE(show.controls().empty());
-}
-
-TEST_F(PanelOnStageTest, AppsShowTheirIconsAndMetersMoveWithTheStagesTime) {
-  EXPECT_TRUE(mixer->channels.get().front().icon.source.ends_with(".png"));
-  const QImage before = show.picture(screen);
-  EXPECT_EQ(show.picture(screen), before);
 }
 
 }  // namespace

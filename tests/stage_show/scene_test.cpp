@@ -1,7 +1,6 @@
 #include <QEventLoop>
 #include <QTimer>
 
-#include "main/stage/stage_keys.h"
 #include "main/stage/stage_loop.h"
 #include "stage_show/show_rig.h"
 
@@ -35,18 +34,6 @@ TEST_F(SceneTest, AnimationsFollowTheStagesTime) {
   show.advance(0.25);
   EXPECT_NEAR(edge(show.picture(screen)), 150, 5);
   show.advance(5);
-  EXPECT_EQ(edge(show.picture(screen)), 200);
-}
-
-TEST_F(SceneTest, TimersFollowItToo) {
-  const auto window = makeWindow(place,
-                                 "Rectangle { id: root; color: 'white'\n"
-                                 "  Timer { interval: 2000; running: true\n"
-                                 "          onTriggered: root.color = 'black' } }");
-  show.picture(screen);
-  show.advance(1.9);
-  EXPECT_EQ(edge(show.picture(screen)), 0);
-  show.advance(0.2);
   EXPECT_EQ(edge(show.picture(screen)), 200);
 }
 
@@ -91,23 +78,6 @@ TEST_F(SceneTest, RealTimePassesInTheLoopWhichRestsInBetween) {
   EXPECT_GE(quiet.clock.mediaTime() - before, 0.02);
   EXPECT_GE(refreshes, 1);
   EXPECT_LE(refreshes, 4);
-}
-
-TEST(StageKeys, GoThereAndBack) {
-  const struct {
-    int qt;
-    int stage;
-  } keys[] = {{Qt::Key_Escape, 53}, {Qt::Key_Left, 123}, {Qt::Key_M, 46}, {Qt::Key_Space, 49}};
-  for (const auto& key : keys) {
-    EXPECT_EQ(stageKeyCode(key.qt), key.stage);
-    EXPECT_EQ(qtKeyOf(key.stage), key.qt);
-  }
-  EXPECT_EQ(stageKeyCode(Qt::Key_Backtab), stageKeyCode(Qt::Key_Tab));
-  EXPECT_EQ(stageKeyCode(Qt::Key_F35), -1);
-  EXPECT_EQ(qtKeyOf(-1), 0);
-  const int modifiers = Qt::ShiftModifier | Qt::ControlModifier;
-  EXPECT_EQ(stageModifiers(modifiers), 0x120000u);
-  EXPECT_EQ(qtModifiersOf(0x120000), modifiers);
 }
 
 }  // namespace
