@@ -21,41 +21,23 @@ TEST(ClientIdentityTest, TheKernelsWordCountsForNativeClientsAndACheckedClaimFor
     bool isReal;
     bool isClaimed;
   };
+  const auto pulse = [&](PropertyMap more) {
+    more.insert({{"client.api", "pipewire-pulse"}, {"pipewire.sec.pid", "1"}});
+    return more;
+  };
+  const PropertyMap own = {{"application.process.id", self},
+                           {"application.process.binary", ownBinary()}};
+  const PropertyMap others = {{"application.process.id", self},
+                              {"application.process.binary", "someplayer"}};
+  PropertyMap sandboxed = own;
+  sandboxed["pipewire.access.portal.app_id"] = "org.example.Player";
   const Case cases[] = {
       {"native", {{"pipewire.sec.pid", self}, {"application.process.id", "1"}}, {}, true, false},
-      {"pulse, true claim",
-       {{"client.api", "pipewire-pulse"},
-        {"pipewire.sec.pid", "1"},
-        {"application.process.id", self},
-        {"application.process.binary", ownBinary()}},
-       {},
-       true,
-       true},
-      {"pulse, claimed on the stream alone",
-       {{"client.api", "pipewire-pulse"}, {"pipewire.sec.pid", "1"}},
-       {{"application.process.id", self}, {"application.process.binary", ownBinary()}},
-       true,
-       true},
-      {"pulse, somebody else's number",
-       {{"client.api", "pipewire-pulse"},
-        {"application.process.id", self},
-        {"application.process.binary", "someplayer"}},
-       {},
-       false,
-       true},
-      {"pulse, sandboxed",
-       {{"client.api", "pipewire-pulse"},
-        {"application.process.id", self},
-        {"application.process.binary", ownBinary()},
-        {"pipewire.access.portal.app_id", "org.example.Player"}},
-       {},
-       false,
-       true},
-      {"pulse, no number",
-       {{"client.api", "pipewire-pulse"}, {"application.process.binary", "someplayer"}},
-       {},
-       false,
-       true},
+      {"pulse, true claim", pulse(own), {}, true, true},
+      {"pulse, claimed on the stream alone", pulse({}), own, true, true},
+      {"pulse, somebody else's number", pulse(others), {}, false, true},
+      {"pulse, sandboxed", pulse(sandboxed), {}, false, true},
+      {"pulse, no number", pulse({{"application.process.binary", "someplayer"}}), {}, false, true},
   };
   ClientDirectory directory;
   for (const Case& given : cases) {

@@ -2,82 +2,56 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
+#include <sstream>
+#include <string>
 
 namespace plemora {
 namespace {
 
-CardRecord cardWith(PropertyMap properties) {
-  return {std::move(properties), {}};
+/// Of "KEY=VALUE KEY=VALUE".
+PropertyMap properties(const std::string& text) {
+  PropertyMap map;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    map[word.substr(0, word.find('='))] = word.substr(word.find('=') + 1);
+  }
+  return map;
 }
 
 TEST(SinkIdentityTest, TransportFollowsCardBusAndRoute) {
   struct Case {
     const char* what;
-    PropertyMap sink;
-    PropertyMap card;
+    const char* sink;
+    const char* card;
     RouteRecord route;
     FourCharCode expected;
   };
+  const char* const pci = "device.api=alsa device.bus=pci";
+  const char* const usb = "device.api=alsa device.bus=usb";
+  const char* const bluez = "device.api=bluez5";
+  const RouteRecord none{};
   const RouteRecord speaker{0, 0, "analog-output-speaker", "speaker", {}};
   const RouteRecord hdmi{0, 0, "hdmi-output-0", "hdmi", {}};
+  const RouteRecord port{0, 0, "DisplayPort 1", "", {}};
   const Case cases[] = {
-      {"laptop",
-       {},
-       {{"device.api", "alsa"}, {"device.bus", "pci"}},
-       speaker,
-       kAudioDeviceTransportTypeBuiltIn},
-      {"phone", {}, {{"device.api", "alsa"}}, speaker, kAudioDeviceTransportTypeBuiltIn},
-      {"display by route",
-       {},
-       {{"device.api", "alsa"}, {"device.bus", "pci"}},
-       hdmi,
-       kAudioDeviceTransportTypeHDMI},
-      {"display by path",
-       {{"api.alsa.path", "hdmi:0,1"}},
-       {{"device.api", "alsa"}, {"device.bus", "pci"}},
-       {},
-       kAudioDeviceTransportTypeHDMI},
-      {"DisplayPort",
-       {},
-       {{"device.api", "alsa"}},
-       {0, 0, "DisplayPort 1", "", {}},
-       kAudioDeviceTransportTypeDisplayPort},
-      {"USB interface",
-       {},
-       {{"device.api", "alsa"}, {"device.bus", "usb"}},
-       speaker,
-       kAudioDeviceTransportTypeUSB},
-      {"headset",
-       {{"api.bluez5.profile", "a2dp-sink"}},
-       {{"device.api", "bluez5"}},
-       {},
-       kAudioDeviceTransportTypeBluetooth},
-      {"LE earbuds",
-       {{"api.bluez5.profile", "bap-sink"}},
-       {{"device.api", "bluez5"}},
-       {},
-       kAudioDeviceTransportTypeBluetoothLE},
-      {"AirPlay speaker",
-       {{"node.name", "raop_sink.Kitchen.local"}, {"node.virtual", "true"}},
-       {},
-       {},
+      {"laptop", "", pci, speaker, kAudioDeviceTransportTypeBuiltIn},
+      {"phone", "", "device.api=alsa", speaker, kAudioDeviceTransportTypeBuiltIn},
+      {"display by route", "", pci, hdmi, kAudioDeviceTransportTypeHDMI},
+      {"by path", "api.alsa.path=hdmi:0,1", pci, none, kAudioDeviceTransportTypeHDMI},
+      {"DisplayPort", "", "device.api=alsa", port, kAudioDeviceTransportTypeDisplayPort},
+      {"USB interface", "", usb, speaker, kAudioDeviceTransportTypeUSB},
+      {"headset", "api.bluez5.profile=a2dp-sink", bluez, none, kAudioDeviceTransportTypeBluetooth},
+      {"buds", "api.bluez5.profile=bap-sink", bluez, none, kAudioDeviceTransportTypeBluetoothLE},
+      {"AirPlay speaker", "node.name=raop_sink.Kitchen.local node.virtual=true", "", none,
        kAudioDeviceTransportTypeAirPlay},
-      {"null sink",
-       {{"factory.name", "support.null-audio-sink"}},
-       {},
-       {},
+      {"null sink", "factory.name=support.null-audio-sink", "", none,
        kAudioDeviceTransportTypeVirtual},
-      {"module of the pulse server",
-       {{"pulse.module.id", "7"}},
-       {},
-       {},
-       kAudioDeviceTransportTypeVirtual},
-      {"unheard-of", {{"node.name", "x"}}, {}, {}, kAudioDeviceTransportTypeUnknown},
+      {"pulse module", "pulse.module.id=7", "", none, kAudioDeviceTransportTypeVirtual},
+      {"unheard-of", "node.name=x", "", none, kAudioDeviceTransportTypeUnknown},
   };
   for (const Case& given : cases) {
-    const CardRecord card = cardWith(given.card);
-    EXPECT_EQ(transportOf(given.sink, given.card.empty() ? nullptr : &card, &given.route),
+    const CardRecord card{properties(given.card), {}};
+    EXPECT_EQ(transportOf(properties(given.sink), *given.card == 0 ? nullptr : &card, &given.route),
               given.expected)
         << given.what;
   }
