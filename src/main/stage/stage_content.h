@@ -46,6 +46,7 @@ class StageContent : public HostedView, public StageWindowClient {
   std::vector<StageControl> controls() const;
 
   double fittingHeight() override { return view_->fittingHeight(); }
+  double fittingWidth() override { return view_->fittingWidth(); }
   void setHeightHandler(std::function<void(double)> handler) override {
     view_->setHeightHandler(std::move(handler));
   }

@@ -4,10 +4,15 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <algorithm>
+#include <utility>
 
 #include "main/stage/scene_clock.h"
+#include "views/callout_scene.h"
+#include "views/helper_scene.h"
 #include "views/module_scene.h"
 #include "views/panel_scene.h"
+#include "views/ripple_scene.h"
+#include "views/setup_scene.h"
 
 namespace plemora {
 
@@ -46,8 +51,31 @@ std::shared_ptr<HostedView> StageShow::makeContent(PanelView& view, const Contro
 
 std::shared_ptr<HostedView> StageShow::makeModuleView(SkinState& state,
                                                       const ControlCenterLook& look) {
-  return std::make_shared<StageContent>(
-      std::make_shared<ModuleScene>(state, look, desktop_.appearance), desktop_.clock, mainScale());
+  return shown(std::make_shared<ModuleScene>(state, look, desktop_.appearance));
+}
+
+OnboardingContents StageShow::onboardingContents() {
+  Appearance& appearance = desktop_.appearance;
+  return {
+      .makeSetup =
+          [this, &appearance](SetupView& view) {
+            return shown(std::make_shared<SetupScene>(view, appearance));
+          },
+      .makeHelper =
+          [this, &appearance](HelperView& view) {
+            return shown(std::make_shared<HelperScene>(view, appearance));
+          },
+      .makeCallout =
+          [this, &appearance](CalloutView& view) {
+            return shown(std::make_shared<CalloutScene>(view, appearance));
+          },
+      .makeRipple = [this,
+                     &appearance] { return shown(std::make_shared<RippleScene>(appearance)); },
+  };
+}
+
+std::shared_ptr<HostedView> StageShow::shown(std::shared_ptr<HostedView> scene) {
+  return std::make_shared<StageContent>(std::move(scene), desktop_.clock, mainScale());
 }
 
 void StageShow::advance(double seconds) {

@@ -11,6 +11,7 @@
 #include "main/stage/stage_icons.h"
 #include "main/stage/stage_wallpaper.h"
 #include "menubar/panel_view.h"
+#include "onboarding/onboarding_services.h"
 #include "skin/look/control_center_look.h"
 
 namespace plemora {
@@ -34,12 +35,13 @@ class StageShow {
   StageShow(const StageShow&) = delete;
   StageShow& operator=(const StageShow&) = delete;
 
-  /// What to give to the program instead of the desktop's windows, and as the content of its panels
-  /// and of its module.
+  /// What to give to the program instead of the desktop's windows, and as the content of its
+  /// panels, of its module and of the windows of setup.
   /// The program goes before the show.
   Windows& windows() { return windows_; }
   std::shared_ptr<HostedView> makeContent(PanelView& view, const ControlCenterLook& look);
   std::shared_ptr<HostedView> makeModuleView(SkinState& state, const ControlCenterLook& look);
+  OnboardingContents onboardingContents();
 
   /// As the desktop's, with what is drawn: frame by frame, each shown in its place in time.
   void advance(double seconds);
@@ -66,6 +68,7 @@ class StageShow {
 
  private:
   double mainScale();
+  std::shared_ptr<HostedView> shown(std::shared_ptr<HostedView> scene);
 
   StageDesktop& desktop_;
   std::unique_ptr<SceneClock> sceneClock_;
