@@ -286,7 +286,7 @@ void DockedHelper::succeed(std::function<void()> then) {
   if (success_) {
     return;
   }
-  if (!panel_ || isLeaving_ || !panel_->window().isOnScreen()) {
+  if (!panel_ || isLeaving_ || !panel_->isSeen()) {
     if (then) {
       then();
     }
@@ -306,7 +306,7 @@ void DockedHelper::leave(std::function<void()> completion) {
   if (isLeaving_) {
     return;
   }
-  if (!panel_ || !panel_->window().isOnScreen()) {
+  if (!panel_ || !panel_->isSeen()) {
     end(std::move(completion));
     return;
   }

@@ -29,6 +29,8 @@ class HelperPanel {
   GlassPanel& window() { return *panel_; }
   /// Where it is, or is going.
   const Rect& target() const { return target_; }
+  /// False while it is hidden, or faded away.
+  bool isSeen() const { return panel_->isOnScreen() && !isFaded_; }
   double fittingHeight() { return panel_->hostingView()->fittingHeight(); }
 
   /// Comes to the front there at that level, at rest and without alpha. No completion of before
