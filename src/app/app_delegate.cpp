@@ -91,7 +91,7 @@ void AppDelegate::makeOnboarding() {
       OnboardingServices{services_.menuBar, services_.layout, services_.locator,
                          services_.preferences, services_.accessibility, services_.consent,
                          services_.windowList, services_.system, services_.fileDrag,
-                         services_.onboardingContents});
+                         services_.onboardingContents, services_.ownPid});
   onboarding_->prepareControls = [this](std::function<void()> done) {
     prepareControls(std::move(done));
   };

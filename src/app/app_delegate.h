@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -49,6 +50,7 @@ struct AppServices {
   SerialQueueFactory& queues;
   Files& files;
   Resources& resources;
+  std::int32_t ownPid;                 ///< process identifier of the program
   std::vector<std::string> arguments;  ///< of the command line, without the program's name
 
   /// The mixer: a new one, or the one that the process has already. Called once.

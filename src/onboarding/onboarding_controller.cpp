@@ -114,6 +114,9 @@ void OnboardingController::bringBack() {
 
 void OnboardingController::refreshState() {
   if (facts_.isAudioGranted()) {
+    if (model_.permission.get() != AudioPermission::Status::granted) {
+      model_.refreshPermission();
+    }
     setStatus(SetupStep::audio, StepStatus::done);
   } else if (state.audio.get() != StepStatus::inSettings) {
     setStatus(SetupStep::audio, StepStatus::active);

@@ -183,12 +183,6 @@ TEST(AppTileTest, WithoutAnIconOfControlCenterThePanelHangsFromItsOwn) {
   EXPECT_EQ(world.panelX(), AppWorld::belowItem);
 }
 
-TEST(AppLifeTest, StartingItAgainIsAnsweredByTheProgramItself) {
-  AppWorld world;
-  EXPECT_FALSE(world.make().applicationShouldHandleReopen(false));
-  EXPECT_FALSE(world.launch().applicationShouldHandleReopen(true));
-}
-
 TEST(AppLifeTest, NothingIsLeftOnceItIsGone) {
   AppWorld world;
   world.setUp();

@@ -202,6 +202,7 @@ struct AppWorld : AudioWorld {
         .queues = queues,
         .files = files,
         .resources = resources,
+        .ownPid = ownPid,
         .arguments = arguments,
         .makeModel =
             [this] {

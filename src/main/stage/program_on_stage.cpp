@@ -124,6 +124,7 @@ AppServices ProgramOnStage::services(Run& run, const std::vector<std::string>& a
       desktop.queues,
       world_.files,
       face_.resources != nullptr ? *face_.resources : run.resources,
+      desktop.program.pid(),
       arguments,
       makeModel,
       [this, &run](PanelView& view) { return face_.makeContent(view, run.look); },
