@@ -95,36 +95,6 @@ TEST_F(ControlCenter, ShowsANewControlOnlyOnceEditModeWasEnteredAndLeft) {
   EXPECT_TRUE(center().isShown(module("Sound")));
 }
 
-TEST_F(ControlCenter, RunsTheControlOfATileThatIsPressedAndNothingElse) {
-  addNewControl();
-  openCenter();
-  enterAndLeaveEditMode();
-  const Rect tile = center().panel().tile(*center().grid().tile("NEW"));
-  desktop->press(middle(tile));
-  EXPECT_EQ(presses, 0) << "not before the button is up again";
-  desktop->movePointer({tile.midX(), tile.minY() - 30});
-  desktop->release();
-  EXPECT_EQ(presses, 0) << "nor when it comes up elsewhere";
-  desktop->click(middle(tile), StageButton::right);
-  EXPECT_EQ(presses, 0);
-  desktop->click(middle(tile));
-  EXPECT_EQ(presses, 1);
-
-  // Modules are switched.
-  EXPECT_TRUE(center().isOn("Bluetooth"));
-  desktop->clickTile(module("Bluetooth").id);
-  EXPECT_FALSE(center().isOn("Bluetooth"));
-  EXPECT_TRUE(center().isOn("WiFi"));
-
-  center().pressEditButton();
-  desktop->clickTile("NEW");
-  EXPECT_EQ(presses, 1);
-  center().pressEditButton();
-  desktop->extensions.installed.clear();
-  desktop->clickTile("NEW");
-  EXPECT_EQ(presses, 1) << "its app is gone";
-}
-
 }  // namespace
 
 }  // namespace plemora

@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "adapters/stage/desktop/stage_outputs.h"
 #include "stage_desktop/desk.h"
 
@@ -85,46 +83,6 @@ TEST_F(Desktop, TheSwitchesOfSystemSettingsChangeTheWorld) {
   desktop->click(rowOf("Headphones"));
   EXPECT_EQ(desktop->hal.defaultOutput(), headphones);
   EXPECT_FALSE(desktop->settings.setRow("Nothing", true));
-}
-
-TEST_F(Desktop, PlayersSoundOnTheirDeviceUntilTheyPauseOrEnd) {
-  const auto speakers = desktop->plug({.uid = "speakers"});
-  const auto other = desktop->plug({.uid = "other"});
-  const auto loudest = [&](AudioObjectID device) {
-    desktop->advance(0.1);
-    float most = 0;
-    for (const auto& channel : desktop->hal.heard(device)) {
-      for (const float sample : channel) {
-        most = std::max(most, std::abs(sample));
-      }
-    }
-    return most;
-  };
-  desktop->players.start("org.example.tunes", "Tunes", 440, 0.25F);
-  EXPECT_THAT(loudest(speakers), testing::FloatNear(0.25F, 0.01F));
-  EXPECT_EQ(loudest(other), 0);
-  desktop->hal.setDefaultOutput(other);
-  EXPECT_THAT(loudest(other), testing::FloatNear(0.25F, 0.01F)) << "it follows the default output";
-  EXPECT_EQ(loudest(speakers), 0);
-  desktop->players.start("org.example.film", "Film", 300, 0.5F, "speakers");
-  EXPECT_THAT(loudest(speakers), testing::FloatNear(0.5F, 0.01F));
-  EXPECT_TRUE(desktop->pull("speakers"));
-  EXPECT_FALSE(desktop->pull("speakers"));
-  EXPECT_GT(loudest(other), 0.5F) << "its device is gone";
-
-  desktop->click(middle(StagePlayers::button(*desktop->players.find("org.example.film"))));
-  EXPECT_FALSE(desktop->players.find("org.example.film")->isPlaying);
-  EXPECT_THAT(loudest(other), testing::FloatNear(0.25F, 0.01F));
-  desktop->click(middle(StagePlayers::button(*desktop->players.find("org.example.film"))));
-  EXPECT_GT(loudest(other), 0.5F);
-
-  const auto pid = desktop->players.find("org.example.tunes")->pid;
-  EXPECT_TRUE(desktop->workspace.forceTerminate(pid));
-  EXPECT_EQ(desktop->players.find("org.example.tunes"), nullptr);
-  EXPECT_THAT(loudest(other), testing::FloatNear(0.5F, 0.01F));
-  desktop->players.stop("org.example.film");
-  EXPECT_THAT(windowsOf(StageWindowKind::player), IsEmpty());
-  EXPECT_THAT(dockNames(), IsEmpty());
 }
 
 TEST_F(Desktop, WhatTheProgramHoldsMayOutliveIt) {
