@@ -73,6 +73,5 @@ INSTANTIATE_TEST_SUITE_P(Scripted, WindowListContract,
                              "scripted",
                              [] { return std::make_unique<ScriptedWindowListWorld>(); }}));
 
-
 }  // namespace
 }  // namespace plemora
