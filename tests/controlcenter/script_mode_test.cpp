@@ -156,12 +156,5 @@ TEST_F(ScriptMode, PrimesAtOnce) {
   expect(run("--prime-controls"), "primed");
 }
 
-TEST_F(ScriptMode, LeavesADamagedFileAlone) {
-  const std::filesystem::path file = folder.path() / "com.apple.controlcenter.plist";
-  writeFile(file, "damaged");
-  expect(script("--replace-sound"), "failed: Control Center's layout couldn't be read.");
-  EXPECT_EQ(readFile(file), "damaged");
-}
-
 }  // namespace
 }  // namespace plemora
