@@ -11,7 +11,6 @@
 #include <shared_mutex>
 #include <vector>
 
-#include "audio/render/mix_kernel.h"
 #include "audio/render/render.h"
 #include "kernel/buffers.h"
 #include "support/realtime_guard.h"
@@ -98,21 +97,6 @@ TEST_F(RealtimeGuardTest, RenderingIsClean) {
     }
     EXPECT_THAT(RealtimeGuard::violations(), IsEmpty());
   }
-}
-
-TEST_F(RealtimeGuardTest, MixingIsClean) {
-  std::vector<float> a(1000, 0.5f);
-  std::vector<float> b(1000, 0.25f);
-  {
-    const RealtimeGuard::Scope scope;
-    mixAdd(a.data(), b.data(), a.size());
-    mixSubtract(a.data(), b.data(), a.size());
-    subtractInto(a.data(), a.data(), b.data(), a.size());
-    addRamped(a.data(), b.data(), a.size(), 0.0f, 1.0f);
-    scaleRamped(a.data(), b.data(), a.size(), 1.0f, 0.0f);
-    clear(a.data(), a.size());
-  }
-  EXPECT_THAT(RealtimeGuard::violations(), IsEmpty());
 }
 
 }  // namespace
