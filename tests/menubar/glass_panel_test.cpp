@@ -96,28 +96,5 @@ TEST_F(GlassPanelTest, FitsItsRimToEverySize) {
   EXPECT_EQ(surface().layerUpdates, updates + 1);
 }
 
-TEST_F(GlassPanelTest, PutsItsContentOnTheGlassOfTheStyle) {
-  const auto panel = makePanel();
-  EXPECT_EQ(surface().content(), nullptr);
-
-  panel->make(15, GlassStyle("cc,r=2"));
-  EXPECT_EQ(surface().content(), view);
-  ASSERT_NE(surface().effect, nullptr);
-  EXPECT_EQ(surface().effect->description().cornerRadius, 15);
-  EXPECT_TRUE(surface().effect->hasDelegate());
-  const auto tuned = surface().effect;
-
-  panel->make(20, GlassStyle::standard());
-  EXPECT_FALSE(tuned->hasDelegate());  // nobody tunes what is not shown any more
-  EXPECT_EQ(surface().effect, nullptr);
-  ASSERT_NE(surface().systemGlass, nullptr);
-  EXPECT_EQ(surface().systemGlass->cornerRadius, 20);
-
-  panel->make(20, GlassStyle("none"));
-  EXPECT_EQ(surface().systemGlass, nullptr);
-  EXPECT_EQ(surface().content(), view);
-  EXPECT_EQ(view->measurements, 0);  // and the view was asked for nothing
-}
-
 }  // namespace
 }  // namespace plemora

@@ -41,7 +41,6 @@ struct MenuBarWorld : AudioWorld {
 
   StatusItemController& startItem() {
     controller.reset();
-    controller.reset();
     start();
     const MenuBarServices services{main,    clock, defaults, workspace, application, screens, input,
                                    windows, links, bar,      picker,    look,        updater};
@@ -60,10 +59,10 @@ struct MenuBarWorld : AudioWorld {
     return *controller;
   }
 
-  /// The panel's; there is one from the first opening on.
   /// Monitors of events that are installed.
   int monitors() const { return input.globalMonitors() + input.localMonitors(); }
 
+  /// The panel's; there is one from the first opening on.
   StageWindow& window() { return *windows.windows().at(0); }
 };
 
