@@ -44,8 +44,9 @@ TEST(Gallery, DrawsEveryStateOnBothWallpapersAndScales) {
       EXPECT_EQ(picture.size(), half.size() * 2) << name.toStdString();
     }
   }
-  for (const char* state : {"panel", "no-apps", "many-apps", "open-outputs", "permission", "muted",
-                            "long-names", "no-volume", "lines"}) {
+  for (const char* state :
+       {"panel", "no-apps", "many-apps", "open-outputs", "permission", "muted", "long-names",
+        "no-volume", "lines", "setup-first", "setup-complete", "callout", "ripple"}) {
     EXPECT_EQ(names.filter(QString("%1-").arg(state)).size(), 4) << state;
   }
 }

@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QAccessible>
-#include <QQuickItem>
-#include <QQuickWindow>
-#include <QTest>
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,7 +12,7 @@
 #include "platform/route_picker.h"
 #include "skin/look/control_center_look.h"
 #include "views/panel_scene.h"
-#include "views/qt_warnings.h"
+#include "views/view_rig.h"
 
 namespace plemora {
 
@@ -30,8 +26,8 @@ struct RecordingRoutePicker : RoutePicker {
   std::function<void()> closed;
 };
 
-/// The real panel in an offscreen window, over a simulated desktop. Warnings of Qt fail the test.
-struct PanelTest : testing::Test {
+/// The real panel over a simulated desktop.
+struct PanelTest : ViewTest {
   AudioWorld world;
   ScriptedAppearance appearance;
   RecordingRoutePicker routes;
@@ -40,15 +36,13 @@ struct PanelTest : testing::Test {
   int soundSettings = 0;
   std::unique_ptr<PanelView> view;
   std::unique_ptr<PanelScene> scene;
-  std::unique_ptr<QQuickWindow> window;
 
-  void SetUp() override { QtWarnings::take(); }
   void TearDown() override {
     turn();
     window.reset();
     scene.reset();
     view.reset();
-    EXPECT_EQ(QtWarnings::take(), std::vector<std::string>{});
+    ViewTest::TearDown();
   }
 
   void start() {
@@ -66,83 +60,19 @@ struct PanelTest : testing::Test {
     }
     scene->setVisible(true);
     const double fitting = scene->fittingHeight();
-    window = std::make_unique<QQuickWindow>();
-    window->setGeometry(0, 0, 308, static_cast<int>(height > 0 ? height : fitting));
-    scene->item()->setParentItem(window->contentItem());
-    scene->item()->setSize(QSizeF(308, height > 0 ? height : fitting));
-    window->show();
-    window->requestActivate();
-    turn();
+    show(scene->item(), QSizeF(308, height > 0 ? height : fitting));
   }
 
   /// Lets the queues, the scene and its short transitions run.
-  void turn() {
+  void turn() override {
     world.settle();
-    QTest::qWait(0);
-    if (window) {
-      window->grabWindow();
-    }
+    ViewTest::turn();
   }
   void settleTransitions() {
     world.settle();
     QTest::qWait(260);
   }
 
-  using Interface = QAccessibleInterface*;
-
-  static void collect(Interface node, std::vector<Interface>& found) {
-    for (int i = 0; i < node->childCount(); ++i) {
-      if (Interface child = node->child(i)) {
-        found.push_back(child);
-        collect(child, found);
-      }
-    }
-  }
-  std::vector<Interface> everything() const {
-    std::vector<Interface> found;
-    if (Interface root = QAccessible::queryAccessibleInterface(window.get())) {
-      collect(root, found);
-    }
-    return found;
-  }
-  /// The visible control of that name; null when there is none.
-  Interface find(const std::string& name, QAccessible::Role role = QAccessible::NoRole) const {
-    for (Interface node : everything()) {
-      if (node->text(QAccessible::Name).toStdString() == name && !node->state().invisible &&
-          (role == QAccessible::NoRole || node->role() == role)) {
-        return node;
-      }
-    }
-    return nullptr;
-  }
-  QQuickItem* item(const std::string& name, QAccessible::Role role = QAccessible::NoRole) const {
-    Interface node = find(name, role);
-    return node ? qobject_cast<QQuickItem*>(node->object()) : nullptr;
-  }
-  QPoint place(const std::string& name, double part = 0.5,
-               QAccessible::Role role = QAccessible::NoRole) const {
-    QQuickItem* found = item(name, role);
-    EXPECT_NE(found, nullptr) << name;
-    return found ? found->mapToScene({found->width() * part, found->height() / 2}).toPoint()
-                 : QPoint();
-  }
-  void click(const std::string& name, QAccessible::Role role = QAccessible::NoRole) {
-    QTest::mouseClick(window.get(), Qt::LeftButton, {}, place(name, 0.5, role));
-    turn();
-  }
-  void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
-    QTest::keyClick(window.get(), key, modifiers);
-    turn();
-  }
-  /// Accessible name of what has the focus; empty when no control has it.
-  std::string focused() const {
-    for (Interface node : everything()) {
-      if (node->state().focused && node->role() != QAccessible::Pane) {
-        return node->text(QAccessible::Name).toStdString();
-      }
-    }
-    return {};
-  }
   void wheel(const std::string& name, int angle, Qt::KeyboardModifiers modifiers = {}) {
     const QPointF where = place(name);
     QWheelEvent event(where, window->mapToGlobal(where), {}, {0, angle}, {}, modifiers,

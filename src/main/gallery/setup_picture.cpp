@@ -119,13 +119,14 @@ bool drawSetup(double scale, const KeepPicture& keep) {
       }
     }
   }
+  for (const auto& [name, page] : helperPages()) {
+    if (!keep(QString::fromStdString(name) + "-colorful" + at,
+              helperPicture(page, Wallpaper::colorful, scale))) {
+      return false;
+    }
+  }
   for (const Wallpaper wallpaper : {Wallpaper::colorful, Wallpaper::light}) {
     const QString suffix = (wallpaper == Wallpaper::light ? "-light" : "-colorful") + at;
-    for (const auto& [name, page] : helperPages()) {
-      if (!keep(QString::fromStdString(name) + suffix, helperPicture(page, wallpaper, scale))) {
-        return false;
-      }
-    }
     if (!keep("callout" + suffix, calloutPicture(wallpaper, scale)) ||
         !keep("ripple" + suffix, ripplePicture(wallpaper, scale))) {
       return false;

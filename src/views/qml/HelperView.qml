@@ -118,7 +118,7 @@ FocusScope {
             MovingFigure {
                 id: spinner
 
-                y: note.visible ? note.y + 1 : instructions.height + 8
+                y: note.y + 1
                 width: 14
                 height: 14
                 name: "spinner"
@@ -135,7 +135,7 @@ FocusScope {
                 y: instructions.height + 8
                 width: parent.width - x
                 visible: text !== ""
-                text: root.page.note
+                text: root.page.note !== "" ? root.page.note : root.page.isBusy ? qsTr("Waiting…") : ""
                 color: theme.secondary
                 font.pixelSize: 12
             }

@@ -39,20 +39,26 @@ FocusScope {
         Accessible.role: Accessible.Heading
     }
 
-    Column {
+    Stack {
         id: lines
 
         x: 40
         y: title.y + title.height + 10
         width: root.width - 80
+        height: implicitHeight
         spacing: 4
+        items: paragraphs
 
         Repeater {
+            id: paragraphs
+
             model: root.page.completeLines
 
             Paragraph {
                 required property string modelData
+                required property int index
 
+                y: lines.below(index)
                 width: lines.width
                 horizontalAlignment: Text.AlignHCenter
                 text: modelData

@@ -15,23 +15,18 @@ Item {
     Accessible.role: Accessible.StaticText
     Accessible.name: words
 
-    Row {
-        id: parts
+    Repeater {
+        model: root.count
 
-        anchors.verticalCenter: parent.verticalCenter
-        spacing: 4
+        Plate {
+            required property int index
 
-        Repeater {
-            model: root.count
-
-            Plate {
-                required property int index
-
-                width: 24
-                height: 5
-                radius: 2.5
-                color: index < root.done ? "#30b85c" : root.tints.controlPressed
-            }
+            x: index * 28
+            y: Math.round((root.height - height) / 2)
+            width: 24
+            height: 5
+            radius: 2.5
+            color: index < root.done ? "#30b85c" : root.tints.controlPressed
         }
     }
 

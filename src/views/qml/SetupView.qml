@@ -112,13 +112,15 @@ FocusScope {
             width: root.width
             implicitHeight: column.height + 2 * cards.room
 
-            Column {
+            Stack {
                 id: column
 
                 x: root.margin
                 y: cards.room
                 width: root.width - 2 * root.margin
+                height: implicitHeight
                 spacing: 10
+                items: steps
 
                 Repeater {
                     id: steps
@@ -134,13 +136,14 @@ FocusScope {
                             return isSeen ? place : Qt.rect(0, 0, 0, 0);
                         }
 
+                        y: column.below(index)
                         width: column.width
                         height: implicitHeight
                         page: root.page
                         tints: theme
                         onButtonFrameChanged: root.page.reportButtonFrame(card.id, buttonFrame)
-                        onActiveFocusChanged: {
-                            if (activeFocus && cards.interactive)
+                        onHoldsFocusChanged: {
+                            if (holdsFocus && cards.interactive)
                                 cards.contentY = Math.max(Math.min(cards.contentY, y), y + height + 2 * cards.room - cards.height);
                         }
                     }

@@ -3,7 +3,7 @@ import Plemora
 
 /// One step of setup: its drawing, what it is for, and how it stands. Its height does not depend on
 /// how it stands, so that the others keep their places.
-FocusScope {
+Item {
     id: root
 
     required property int index
@@ -11,6 +11,7 @@ FocusScope {
     required property SetupTints tints
     property var card: page.card(index)
     readonly property alias button: button
+    readonly property bool holdsFocus: button.activeFocus || skip.activeFocus
     readonly property bool isRaised: card.isActive || card.isInSettings || card.isWorking
     readonly property string status: card.isDone ? qsTr("Done") : card.isInSettings ? qsTr("In System Settings") : card.isWorking ? qsTr("In progress") : card.isActive ? qsTr("Ready") : qsTr("Not yet")
     readonly property string note: card.note !== "" ? card.note : card.isInSettings ? qsTr("Waiting for System Settings…") : ""
@@ -19,10 +20,10 @@ FocusScope {
 
     // Room for one line of note in any case, and what was once needed stays.
     property real noteRoom: 20
-    readonly property real noteNeed: (noteText.visible ? noteText.height : 0) + (skip.visible ? skip.height : 0) + (noteText.visible && skip.visible ? 3 : 0)
+    readonly property real noteNeed: noteText.visible ? noteText.height : 0
 
     property real sideRoom: 96
-    readonly property real sideNeed: card.buttonTitle !== "" ? button.implicitWidth : 0
+    readonly property real sideNeed: Math.max(card.buttonTitle !== "" ? button.implicitWidth : 0, card.skipTitle !== "" ? skip.implicitWidth : 0)
 
     onNoteNeedChanged: noteRoom = Math.max(noteRoom, noteNeed)
     onSideNeedChanged: sideRoom = Math.max(sideRoom, sideNeed)
@@ -130,9 +131,8 @@ FocusScope {
         PushButton {
             id: button
 
-            x: side.width - width
-            y: Math.round((side.height - height) / 2)
-            width: Math.max(implicitWidth, 96)
+            y: Math.round((side.height - height - (skip.visible ? skip.height + 7 : 0)) / 2)
+            width: side.width
             height: implicitHeight
             // What cannot be begun yet has nothing to press.
             visible: root.card.buttonTitle !== "" && !root.card.isDone && (isEnabled || !root.card.isPending)
@@ -143,6 +143,21 @@ FocusScope {
             isEnabled: root.card.isButtonEnabled
             showsFocus: root.page.showsFocus
             onAction: root.page.press(root.card.id)
+        }
+
+        PushButton {
+            id: skip
+
+            x: Math.round((side.width - width) / 2)
+            y: button.visible ? button.y + button.height + 7 : Math.round((side.height - height) / 2)
+            width: implicitWidth
+            height: implicitHeight
+            visible: root.card.skipTitle !== "" && !root.card.isDone
+            title: root.card.skipTitle
+            tints: root.tints
+            isQuiet: true
+            showsFocus: root.page.showsFocus
+            onAction: root.page.skip(root.card.id)
         }
 
         Figure {
@@ -169,20 +184,5 @@ FocusScope {
             font.weight: Font.DemiBold
             Accessible.ignored: true
         }
-    }
-
-    PushButton {
-        id: skip
-
-        x: title.x
-        y: noteText.visible ? noteText.y + noteText.height + 3 : noteText.y - 2
-        width: implicitWidth
-        height: implicitHeight
-        visible: root.card.skipTitle !== "" && !root.card.isDone
-        title: root.card.skipTitle
-        tints: root.tints
-        isQuiet: true
-        showsFocus: root.page.showsFocus
-        onAction: root.page.skip(root.card.id)
     }
 }
