@@ -39,8 +39,9 @@ bool isRunning(const QDBusConnection& bus) {
 }
 
 // Gives the arguments to the running instance, and shows it on this desktop if it is wanted there.
-// It may still be on its way to the bus.
-Exit handOver(const QDBusConnection& bus, const std::vector<std::string>& arguments, bool shows) {
+// It may still be on its way to the bus, or about to end: none when it has.
+std::optional<Exit> handOver(const QDBusConnection& bus, InstanceLock& lock,
+                             const std::vector<std::string>& arguments, bool shows) {
   using namespace std::chrono_literals;
   if (!bus.isConnected()) {
     printError("it runs already, and without a session bus it cannot be given these arguments");
@@ -67,6 +68,9 @@ Exit handOver(const QDBusConnection& bus, const std::vector<std::string>& argume
       problem = error.what();
     }
     std::this_thread::sleep_for(100ms);
+    if (lock.retry() != InstanceLock::Result::held && !isRunning(bus)) {
+      return std::nullopt;
+    }
   }
   printError("it runs already, but cannot be reached over this session bus: " + problem);
   return failure;
@@ -108,9 +112,11 @@ Exit Instance::run(bool hasDesktop, const ProgramOptions& options) {
   options_ = options;
   application_ = std::make_unique<QCoreApplication>(argc_, argv_);
   auto bus = QDBusConnection::sessionBus();
-  const InstanceLock lock(InstanceLock::defaultFile());
+  InstanceLock lock(InstanceLock::defaultFile());
   if (lock.result() == InstanceLock::Result::held || isRunning(bus)) {
-    return handOver(bus, arguments_, hasDesktop);
+    if (const auto result = handOver(bus, lock, arguments_, hasDesktop)) {
+      return *result;
+    }
   }
   if (lock.result() == InstanceLock::Result::unavailable) {
     if (!bus.isConnected()) {
@@ -126,13 +132,13 @@ Exit Instance::run(bool hasDesktop, const ProgramOptions& options) {
     QCoreApplication::processEvents();
     makeWindowed();
   }
-  const Exit result = runEngine(bus);
+  const Exit result = runEngine(bus, lock);
   noteEnding("its way off the desktop");
   logger.info("ended; every app is back on its usual path");
   return result;
 }
 
-Exit Instance::runEngine(QDBusConnection& bus) {
+Exit Instance::runEngine(QDBusConnection& bus, InstanceLock& lock) {
   // First of all: whoever sees the program on the bus may end it at once, and in order. Not by
   // quit(), which an open window can refuse.
   const auto listen = [] {
@@ -180,7 +186,7 @@ Exit Instance::runEngine(QDBusConnection& bus) {
       return false;
     });
     if (!adaptor->registerObject() || !bus.registerService(mixerBusName)) {
-      return handOver(bus, arguments_, ui_ != nullptr);
+      return handOver(bus, lock, arguments_, ui_ != nullptr).value_or(failure);
     }
   } else {
     logger.warning("no session bus (" + bus.lastError().message().toStdString() +

@@ -12,6 +12,7 @@ class QDBusConnection;
 namespace plemora {
 
 class DesktopUi;
+class InstanceLock;
 
 /// Exit statuses of the programs.
 enum Exit { success = 0, failure = 1, usage = 2 };
@@ -35,7 +36,7 @@ class Instance {
  private:
   /// Exchanges the application object for one that has windows.
   void makeWindowed();
-  Exit runEngine(QDBusConnection& bus);
+  Exit runEngine(QDBusConnection& bus, InstanceLock& lock);
 
   int& argc_;
   char** argv_;

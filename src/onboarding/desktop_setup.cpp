@@ -237,7 +237,7 @@ SetupCard DesktopSetup::loginItemCard() const {
   }
   const bool hasFailed = !loginItemProblem_.empty();
   card.note = hasFailed ? "That did not work: " + loginItemProblem_ + "." : "";
-  card.buttonTitle = hasFailed ? "Try Again" : "Start at Login";
+  card.buttonTitle = hasFailed ? "Try Again" : "Turn On";
   card.skipTitle = "Not Now";
   return card;
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -19,6 +20,7 @@ constexpr double patience = 5;  // seconds
 constexpr int panelWidth = 308;
 constexpr int panelGap = 6;
 constexpr int panelMargin = 8;
+constexpr unsigned tabKey = 0xff09;
 
 constexpr const char* barSettings = R"(panels=panel1
 [panel1]
@@ -54,12 +56,17 @@ Desk::Desk(const DeskSetup& setup)
   const std::filesystem::path settings = session_.directory() + "/config/lxqt";
   std::filesystem::create_directories(settings);
   std::ofstream(settings / "panel.conf") << barSettings;
+  if (setup.isFirstStart) {
+    std::filesystem::remove(settingsFile());
+  }
   session_.createSinks(1024);
   accessibility_ = std::make_unique<ChildProcess>(
       ChildOptions{{"/usr/libexec/at-spi-bus-launcher", "--launch-immediately"},
                    environment(),
                    session_.directory() + "/accessibility.log"});
-  startTray();
+  if (host_ != TrayHost::none) {
+    startTray();
+  }
 }
 
 Desk::~Desk() = default;
@@ -129,6 +136,12 @@ bool Desk::showsIcon() {
   });
 }
 
+std::string Desk::settings() const {
+  std::ostringstream text;
+  text << std::ifstream(settingsFile()).rdbuf();
+  return text.str();
+}
+
 void Desk::startProgram(bool isService) {
   plemora_ = std::make_unique<ProgramUnderTest>(
       session_, std::vector<std::string>{}, isService ? std::vector<std::string>{} : environment());
@@ -137,6 +150,16 @@ void Desk::startProgram(bool isService) {
                    environment(),
                    session_.directory() + "/reader.log",
                    true});
+}
+
+void Desk::startAndKill(double seconds) {
+  ChildOptions options;
+  options.arguments = {PLEMORA_PROGRAM};
+  options.environment = environment();
+  options.logFile = session_.directory() + "/killed.log";
+  ChildProcess child(options);
+  child.wait(seconds);
+  child.kill();
 }
 
 std::optional<int> Desk::startAgain(const std::vector<std::string>& arguments) {
@@ -224,9 +247,42 @@ Control Desk::control(const std::string& name, const std::string& role) {
     return before && found && before->frame == found->frame;
   });
   if (!rests) {
-    throw std::runtime_error("the panel shows no control \"" + name + "\"\n" + session_.logs());
+    std::string others;
+    for (const Control& one : controls()) {
+      others += one.is("showing") ? "  " + one.role + " \"" + one.name + "\"\n" : "";
+    }
+    throw std::runtime_error("the program shows no control \"" + name + "\", but\n" + others +
+                             session_.logs());
   }
   return *found;
+}
+
+bool Desk::shows(const std::string& name) {
+  return eventually(patience, [&] {
+    const auto all = controls();
+    return std::ranges::any_of(
+        all, [&](const Control& one) { return one.name == name && one.is("showing"); });
+  });
+}
+
+bool Desk::showsNothing() {
+  return eventually(patience, [&] {
+    const auto all = controls();
+    return std::ranges::none_of(all, [](const Control& one) { return one.is("showing"); });
+  });
+}
+
+bool Desk::tabTo(const std::string& name) {
+  constexpr int mostSteps = 12;
+  const auto hasKeys = [&] {
+    const auto all = controls();
+    return std::ranges::any_of(
+        all, [&](const Control& one) { return one.name == name && one.is("focused"); });
+  };
+  for (int step = 0; step < mostSteps && !eventually(0.3, hasKeys); ++step) {
+    display_.pressKey(tabKey);
+  }
+  return hasKeys();
 }
 
 bool Desk::act(const std::string& action, const std::string& name) {

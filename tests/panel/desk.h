@@ -19,14 +19,15 @@
 
 namespace plemora::rig {
 
-/// Programs that show icons: lxqt-panel of the session bus, trayer of the X server.
-enum class TrayHost { lxqtPanel, trayer };
+/// Programs that show icons: lxqt-panel of the session bus, trayer of the X server; or nobody.
+enum class TrayHost { lxqtPanel, trayer, none };
 
 struct DeskSetup {
   std::string name = "Desk";
   TrayHost host = TrayHost::lxqtPanel;
   bool hasWindowManager = true;
   bool hasCompositingManager = true;
+  bool isFirstStart = false;  ///< the program has no settings yet
 };
 
 /// What assistive technology is told of a control.
@@ -61,8 +62,16 @@ class Desk {
   QRect icon();
   bool showsIcon();
 
+  /// The program's settings as they are in the file; an empty text: there is none.
+  std::string settings() const;
+  std::string settingsFile() const {
+    return session_.directory() + "/config/plemora/settings.json";
+  }
+
   /// isService: without a window, so that start() over it brings one.
   void startProgram(bool isService = false);
+  /// Starts the program, and kills it that many seconds later.
+  void startAndKill(double seconds);
   /// One more start; its exit status.
   std::optional<int> startAgain(const std::vector<std::string>& arguments = {});
 
@@ -81,6 +90,12 @@ class Desk {
   /// Waits for a shown control; of several the topmost. Throws std::runtime_error when there is
   /// none.
   Control control(const std::string& name, const std::string& role = {});
+  /// Whether a control of that name is to be seen before long.
+  bool shows(const std::string& name);
+  /// Whether nothing is to be seen of the program's windows before long.
+  bool showsNothing();
+  /// Presses Tab until the control of that name has the keys.
+  bool tabTo(const std::string& name);
   bool act(const std::string& action, const std::string& name);
   void click(const QRect& target, int button = 1) { display_.click(target.center(), button); }
 

@@ -29,6 +29,13 @@ InstanceLock::InstanceLock(const std::filesystem::path& file) {
   }
 }
 
+InstanceLock::Result InstanceLock::retry() {
+  if (result_ == Result::held && flock(descriptor_, LOCK_EX | LOCK_NB) == 0) {
+    result_ = Result::acquired;
+  }
+  return result_;
+}
+
 InstanceLock::~InstanceLock() {
   if (descriptor_ >= 0) {
     close(descriptor_);

@@ -26,6 +26,8 @@ class InstanceLock {
   static std::filesystem::path defaultFile();
 
   Result result() const { return result_; }
+  /// Tries again to take a lock that is held, and says how that went.
+  Result retry();
   const std::string& problem() const { return problem_; }
 
  private:
