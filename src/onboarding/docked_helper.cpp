@@ -307,17 +307,15 @@ void DockedHelper::leave(std::function<void()> completion) {
     return;
   }
   if (!panel_ || !panel_->isSeen()) {
-    end(std::move(completion));
+    end(completion);
     return;
   }
   isLeaving_ = true;
   stopFollowing();
-  panel_->vanish(origin_, [this, completion = std::move(completion)]() mutable {
-    end(std::move(completion));
-  });
+  panel_->vanish(origin_, [this, completion = std::move(completion)] { end(completion); });
 }
 
-void DockedHelper::end(std::function<void()> completion) {
+void DockedHelper::end(const std::function<void()>& completion) {
   stopFollowing();
   isLeaving_ = false;
   isDocked_ = false;

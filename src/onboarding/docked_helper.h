@@ -85,7 +85,7 @@ class DockedHelper {
   void standAlone();
   Rect controlCenterFrame(const std::optional<ControlCenterWindow>& panel, bool isEditing) const;
   void dragIcon();
-  void end(std::function<void()> completion);
+  void end(const std::function<void()>& completion);
   const std::vector<Screen>& screens() const;
 
   const OnboardingServices services_;

@@ -32,13 +32,14 @@ PanelWindowOptions helperOptions() {
 std::unique_ptr<HelperPanel> HelperPanel::make(const OnboardingServices& services, HelperView& view,
                                                std::function<void(double)> heightChanged) {
   const auto& makeHelper = services.contents.makeHelper;
-  auto content = makeHelper ? makeHelper(view) : nullptr;
+  const auto content = makeHelper ? makeHelper(view) : nullptr;
   return content ? std::unique_ptr<HelperPanel>(
-                       new HelperPanel(services, std::move(content), std::move(heightChanged)))
+                       new HelperPanel(services, content, std::move(heightChanged)))
                  : nullptr;
 }
 
-HelperPanel::HelperPanel(const OnboardingServices& services, std::shared_ptr<HostedView> content,
+HelperPanel::HelperPanel(const OnboardingServices& services,
+                         const std::shared_ptr<HostedView>& content,
                          std::function<void(double)> heightChanged)
     : links_(services.menuBar.displayLinks),
       clock_(services.menuBar.clock),

@@ -45,7 +45,7 @@ class HelperPanel {
   void fade(bool isFaded);
 
  private:
-  HelperPanel(const OnboardingServices& services, std::shared_ptr<HostedView> content,
+  HelperPanel(const OnboardingServices& services, const std::shared_ptr<HostedView>& content,
               std::function<void(double height)> heightChanged);
 
   DisplayLinks& links_;
