@@ -63,6 +63,7 @@ SkinStage::SkinStage(const SkinDesktop& desktop, Module module)
                         [this](SkinState& state, const ControlCenterLook& look) {
                           return show_.makeModuleView(state, look);
                         },
+                        [this](const ControlCenterLook&) { return show_.onboardingContents(); },
                         &resources_}) {
   if (desktop.hasBubbles) {
     StageBubbles::install(resources_, world_.files);

@@ -99,6 +99,9 @@ class Performance {
     face.makeModuleView = [this](SkinState& state, const ControlCenterLook& look) {
       return show_.makeModuleView(state, look);
     };
+    face.makeOnboardingContents = [this](const ControlCenterLook&) {
+      return show_.onboardingContents();
+    };
     StageBubbles::install(resources_, world_.files);
     face.resources = &resources_;
     if (sound_) {
