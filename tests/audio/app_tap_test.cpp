@@ -183,7 +183,8 @@ TEST_F(AppTapTest, skips_and_switches_off_the_inputs_of_the_device) {
   EXPECT_EQ(world.hal.faults().calls(HalCall::setData, kAudioDevicePropertyIOProcStreamUsage), 1);
   tap->stop();
 
-  // When they cannot be switched off they are still not heard.
+  // When they cannot be switched off they are still not heard, nor beside a tap cut into channels.
+  world.hal.setTapBuffers({1, 1});
   world.hal.faults().add(
       {.call = HalCall::setData, .selector = kAudioDevicePropertyIOProcStreamUsage});
   const auto again = makeTap("phones");

@@ -52,20 +52,5 @@ TEST_F(AudioPermissionTest, completes_with_false_when_there_is_nobody_to_ask) {
   EXPECT_EQ(answers, std::vector{false});
 }
 
-TEST_F(AudioPermissionTest, is_published_by_the_mixer_when_it_has_changed) {
-  world.consent.setPreflight(2);
-  MixerModel& mixer = world.start();
-  EXPECT_EQ(mixer.permission.get(), Status::unknown);
-  std::vector<Status> published;
-  const auto subscription =
-      mixer.permission.subscribe([&](Status status) { published.push_back(status); });
-  mixer.refreshPermission();
-  EXPECT_TRUE(published.empty());
-  world.consent.setPreflight(0);
-  mixer.refreshPermission();
-  mixer.refreshPermission();
-  EXPECT_EQ(published, std::vector{Status::granted});
-}
-
 }  // namespace
 }  // namespace plemora

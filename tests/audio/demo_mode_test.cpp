@@ -157,13 +157,6 @@ TEST_F(DemoMixerTest, changes_its_rows_and_nothing_else) {
   EXPECT_EQ(world.heardOn(world.usb), 1.0f) << "the live app is left alone";
 }
 
-TEST_F(DemoMixerTest, can_hide_the_real_devices) {
-  MixerModel& mixer =
-      start(R"({"apps":[],"hideDevices":true,"extraDevices":[{"name":"Only","kind":"usb"}]})");
-  ASSERT_EQ(mixer.outputs().devices.get().size(), 1u);
-  EXPECT_EQ(mixer.outputs().devices.get()[0].name, "Only");
-}
-
 TEST_F(DemoMixerTest, comes_from_a_launch_argument_too) {
   world.defaults = MemoryDefaults(
       {"-demo", R"({"apps":[{"bundle":"com.x","volume":1,"playing":true,"muted":false}]})"});

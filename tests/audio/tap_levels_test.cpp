@@ -93,20 +93,6 @@ TEST_F(TapLevelsTest, count_from_the_beginning_of_the_watching) {
   EXPECT_EQ(early.readings[0][0].inputPeak, 0.75f) << "and nothing is taken from the others";
 }
 
-TEST_F(TapLevelsTest, cost_nothing_while_nobody_watches) {
-  main.advance(60);
-  EXPECT_EQ(reads, 0);
-  EXPECT_EQ(main.pendingTimers(), 0);
-  Watcher watcher;
-  start(watcher, 1.0);
-  main.advance(5);
-  watcher.watch.reset();
-  EXPECT_EQ(main.pendingTimers(), 0);
-  const int before = reads;
-  main.advance(60);
-  EXPECT_EQ(reads, before);
-}
-
 TEST_F(TapLevelsTest, rest_while_no_tap_runs) {
   Watcher watcher;
   start(watcher, 1.0);

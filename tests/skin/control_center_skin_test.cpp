@@ -157,20 +157,6 @@ TEST_F(ControlCenterSkinTest, ClosesWithControlCenter) {
   EXPECT_EQ(alpha(), 1);
 }
 
-TEST_F(ControlCenterSkinTest, TakesAPanelThatFadesInForAnOpenOne) {
-  startShowing();
-  closePanel();
-  tick();
-  for (double panelAlpha = 0.05; panelAlpha < 1; panelAlpha += 0.05) {
-    setPanel(panelAlpha);
-    tick();
-    EXPECT_TRUE(skin->isShowing());
-  }
-  setPanel(1);
-  tick();
-  EXPECT_EQ(alpha(), 1);
-}
-
 TEST_F(ControlCenterSkinTest, FallsBackOnRememberedFramesForTheSamePanelOnly) {
   const auto loseTiles = [this] {
     for (const ElementID tile : tiles) {
