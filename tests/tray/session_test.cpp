@@ -29,8 +29,12 @@ class FakePortal : public QDBusVirtualObject {
     bus_.registerService("org.freedesktop.portal.Desktop");
   }
 
-  QVariant scheme;  ///< invalid: unknown to this portal
-  int asked = 0;
+  // Invalid: unknown to this portal.
+  QVariant scheme;
+  QVariant motion;
+  QVariant animations;
+  int asked = 0;  ///< for the scheme
+  int answers = 0;
 
   void change(const QString& group, const QString& key, const QVariant& value) {
     auto signal =
@@ -41,9 +45,14 @@ class FakePortal : public QDBusVirtualObject {
 
   QString introspect(const QString&) const override { return {}; }
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
-    ++asked;
-    return connection.send(scheme.isValid()
-                               ? message.createReply(variant(scheme))
+    ++answers;
+    const QString key = message.arguments().at(1).toString();
+    asked += key == "color-scheme" ? 1 : 0;
+    const QVariant& value = key == "color-scheme"     ? scheme
+                            : key == "reduced-motion" ? motion
+                                                      : animations;
+    return connection.send(value.isValid()
+                               ? message.createReply(variant(value))
                                : message.createErrorReply(QDBusError::Failed, "not found"));
   }
 
@@ -128,6 +137,30 @@ TEST_F(SessionTest, AppearanceFollowsItsOwnSettingAlone) {
   portal.change(appearanceGroup, "color-scheme", 0u);
   ASSERT_TRUE(settle([&] { return told.size() == 2; }));
   EXPECT_THAT(told, ElementsAre(true, false));
+}
+
+TEST_F(SessionTest, MotionIsReducedByThePortalElseByTheAnimations) {
+  struct Case {
+    QVariant motion;
+    QVariant animations;
+    bool isReduced;
+  };
+  FakePortal portal(services);
+  for (const Case& one : {Case{{}, {}, false}, Case{1u, {}, true}, Case{0u, false, false},
+                          Case{1u, true, true}, Case{{}, false, true}, Case{{}, true, false}}) {
+    portal.motion = one.motion;
+    portal.animations = one.animations;
+    portal.answers = 0;
+    PortalAppearance appearance(ours);
+    ASSERT_TRUE(settle([&] { return portal.answers == 3; }));
+    // The bus keeps the order: this change arrives after the answers.
+    portal.change(appearanceGroup, "color-scheme", 1u);
+    ASSERT_TRUE(settle([&] { return appearance.isDark(); }));
+    EXPECT_EQ(appearance.reducesMotion(), one.isReduced)
+        << one.motion.isValid() << one.animations.isValid();
+    portal.change(appearanceGroup, "reduced-motion", one.isReduced ? 0u : 1u);
+    EXPECT_TRUE(settle([&] { return appearance.reducesMotion() != one.isReduced; }));
+  }
 }
 
 TEST_F(SessionTest, WithoutAPortalTheThemeDecides) {
