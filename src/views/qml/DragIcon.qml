@@ -9,15 +9,15 @@ Item {
     required property SetupTints tints
     readonly property real reach: 4  // points after which a press becomes a drag
 
-    implicitWidth: 72
-    implicitHeight: 72
+    implicitWidth: 64
+    implicitHeight: 64
     Accessible.role: Accessible.Graphic
-    Accessible.name: qsTr("Plemora's icon")
-    Accessible.description: qsTr("Drag it to the list in System Settings.")
+    Accessible.name: "Plemora"
+    Accessible.description: qsTr("Its icon: drag it to the list in System Settings.")
 
     Plate {
         anchors.fill: parent
-        radius: 17
+        radius: 15
         isDashed: true
         borderWidth: 1.5
         borderColor: Qt.rgba(1, 1, 1, root.page.isDragging ? 0.5 : 0.28)
@@ -27,12 +27,12 @@ Item {
     Image {
         id: icon
 
-        x: 6 + nod.x
-        y: 6 + nod.y
-        width: 60
-        height: 60
+        x: 5 + nod.x
+        y: 5 + nod.y
+        width: 54
+        height: 54
         visible: !root.page.isDragging
-        sourceSize: Qt.size(60, 60)
+        sourceSize: Qt.size(54, 54)
         source: Window.window === null ? "" : "image://appicon/icon?source=:/plemora/program/com.quorvane.mixer.svg"
         Accessible.ignored: true
     }

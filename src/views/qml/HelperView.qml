@@ -7,6 +7,8 @@ FocusScope {
 
     required property HelperBinding page
     readonly property real margin: 20
+    // It is to have room below System Settings.
+    readonly property real edge: 15
     readonly property bool points: page.pointsUp || page.pointsLeft || page.pointsRight
     readonly property bool hasSign: page.hasDragIcon || points
     // On the side that it points to.
@@ -37,24 +39,24 @@ FocusScope {
         id: body
 
         width: root.width
-        height: Math.max(sign.visible ? sign.height : 0, words.height) + 2 * root.margin - (root.hasFooter ? 4 : 0)
+        height: Math.max(sign.visible ? sign.height : 0, words.height) + root.edge + (root.hasFooter ? 8 : root.edge)
         visible: !root.page.hasSucceeded
 
         Item {
             id: sign
 
             x: root.isSignRight ? root.width - root.margin - width : root.margin
-            y: root.margin + Math.max(0, Math.round((words.height - height) / 2))
-            width: root.page.hasDragIcon ? 72 : 52
+            y: root.edge + Math.max(0, Math.round((words.height - height) / 2))
+            width: root.page.hasDragIcon ? 64 : 46
             height: width
             visible: root.hasSign
 
             Plate {
                 x: nod.x
                 y: nod.y
-                width: 52
-                height: 52
-                radius: 26
+                width: 46
+                height: 46
+                radius: 23
                 visible: !root.page.hasDragIcon
                 color: "#2f7ff3"
                 bottomColor: "#1a5fd6"
@@ -62,7 +64,7 @@ FocusScope {
                 Symbol {
                     anchors.centerIn: parent
                     name: Window.window === null ? "" : "arrow.up"
-                    pointSize: 22
+                    pointSize: 20
                     rotation: root.page.pointsLeft ? -90 : root.page.pointsRight ? 90 : 0
                 }
             }
@@ -99,9 +101,9 @@ FocusScope {
             id: words
 
             x: sign.visible && !root.isSignRight ? sign.x + sign.width + 18 : root.margin
-            y: root.margin + Math.max(0, Math.round(((sign.visible ? sign.height : 0) - height) / 2))
+            y: root.edge + Math.max(0, Math.round(((sign.visible ? sign.height : 0) - height) / 2))
             width: (sign.visible && root.isSignRight ? sign.x - 18 : root.width - root.margin) - x
-            height: ask.visible ? ask.y + ask.height : note.visible ? note.y + note.height : instructions.height
+            height: note.visible ? note.y + note.height : instructions.height
 
             Paragraph {
                 id: instructions
@@ -111,7 +113,7 @@ FocusScope {
                 text: Window.window === null ? root.page.spokenInstructions : root.page.instructions
                 color: theme.text
                 font.pixelSize: 15
-                lineHeight: 1.15
+                lineHeight: 1.1
                 Accessible.name: root.page.spokenInstructions
             }
 
@@ -132,26 +134,12 @@ FocusScope {
                 id: note
 
                 x: spinner.visible ? 21 : 0
-                y: instructions.height + 8
+                y: instructions.height + 5
                 width: parent.width - x
                 visible: text !== ""
                 text: root.page.note !== "" ? root.page.note : root.page.isBusy ? qsTr("Waiting…") : ""
                 color: theme.secondary
                 font.pixelSize: 12
-            }
-
-            PushButton {
-                id: ask
-
-                y: (note.visible ? note.y + note.height : instructions.height) + 9
-                width: implicitWidth
-                height: implicitHeight
-                visible: root.page.askTitle !== ""
-                title: root.page.askTitle
-                tints: theme
-                isQuiet: true
-                showsFocus: root.page.showsFocus
-                onAction: root.page.askInstead()
             }
         }
     }
@@ -159,33 +147,52 @@ FocusScope {
     Item {
         id: footer
 
+        readonly property real room: width - 2 * root.margin
+        /// Whether all of its buttons have room beside each other.
+        readonly property bool isOneLine: !ask.visible || back.implicitWidth + ask.implicitWidth + (done.visible ? done.implicitWidth + 16 : 0) + 16 <= room
+
         y: body.height
         width: root.width
-        height: 58
+        height: (done.visible ? 46 : 34) + (isOneLine ? 0 : ask.height + 6)
         visible: root.hasFooter && !root.page.hasSucceeded
 
-        Rectangle {
-            x: root.margin
-            width: parent.width - 2 * x
-            height: 1
-            color: theme.divider
-        }
-
         PushButton {
+            id: back
+
             x: root.margin
-            y: Math.round((footer.height - height) / 2)
+            y: footer.height - height - 14 - (done.visible ? 6 : 0)
             width: implicitWidth
             height: implicitHeight
             visible: root.page.backTitle !== ""
             title: root.page.backTitle
             tints: theme
+            isQuiet: true
+            quietSize: 11
             showsFocus: root.page.showsFocus
             onAction: root.page.goBack()
         }
 
         PushButton {
+            id: ask
+
+            x: footer.isOneLine ? (done.visible ? done.x - 16 : footer.width - root.margin) - width : root.margin
+            y: footer.isOneLine ? back.y : back.y - height - 6
+            width: implicitWidth
+            height: implicitHeight
+            visible: root.page.askTitle !== ""
+            title: root.page.askTitle
+            tints: theme
+            isQuiet: true
+            quietSize: 11
+            showsFocus: root.page.showsFocus
+            onAction: root.page.askInstead()
+        }
+
+        PushButton {
+            id: done
+
             x: footer.width - width - root.margin
-            y: Math.round((footer.height - height) / 2)
+            y: footer.height - height - 14
             width: implicitWidth
             height: implicitHeight
             visible: root.page.doneTitle !== ""

@@ -12,6 +12,7 @@ FocusScope {
     property string symbol
     property bool isPrimary: false
     property bool isQuiet: false
+    property int quietSize: 12  // of the font
     property bool isEnabled: true
     property bool showsFocus: false
     property real minimumWidth: isQuiet ? 0 : 76
@@ -76,7 +77,7 @@ FocusScope {
         opacity: root.isEnabled ? 1 : 0.5
         textFormat: Text.PlainText
         font.family: Metrics.family
-        font.pixelSize: root.isQuiet ? 12 : 13
+        font.pixelSize: root.isQuiet ? root.quietSize : 13
         font.weight: Font.Medium
         font.underline: root.isQuiet && root.isEnabled && (root.tints.isGlass || hover.hovered)
         Accessible.ignored: true
