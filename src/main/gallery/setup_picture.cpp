@@ -23,7 +23,7 @@ namespace plemora {
 namespace {
 
 constexpr int margin = 40;  // of desktop around a window
-constexpr double helperRadius = 22;
+constexpr double helperRadius = 20;
 constexpr double calloutRadius = 14;
 
 /// The world of a picture: nothing moves in it.

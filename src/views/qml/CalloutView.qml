@@ -20,6 +20,14 @@ FocusScope {
         isGlass: true
     }
 
+    Plate {
+        // White words are to be read over a white window too. Within the rim of the glass.
+        anchors.fill: parent
+        anchors.margins: 1
+        radius: 13
+        color: Qt.rgba(0.04, 0.04, 0.07, 0.32)
+    }
+
     Paragraph {
         id: title
 

@@ -28,6 +28,14 @@ FocusScope {
         isGlass: true
     }
 
+    Plate {
+        // White words are to be read over a white window too. Within the rim of the glass.
+        anchors.fill: parent
+        anchors.margins: 1
+        radius: 19
+        color: Qt.rgba(0.04, 0.04, 0.07, 0.32)
+    }
+
     Nod {
         id: nod
 
@@ -80,7 +88,7 @@ FocusScope {
             Plate {
                 // The way that the icon takes.
                 x: root.page.pointsLeft ? -9 : root.page.pointsRight ? parent.width - 15 : parent.width / 2 - 12
-                y: root.page.pointsUp ? -11 : parent.height / 2 - 12
+                y: root.page.pointsUp ? -8 : parent.height / 2 - 12
                 width: 24
                 height: 24
                 radius: 12
@@ -208,16 +216,16 @@ FocusScope {
         id: success
 
         width: root.width
-        height: outcome.y + outcome.height + 22
+        height: outcome.y + outcome.height + 18
         visible: root.page.hasSucceeded
 
         OneTimeFigure {
             id: mark
 
             x: Math.round((parent.width - width) / 2)
-            y: 16
-            width: 84
-            height: 84
+            y: 10
+            width: 68
+            height: 68
             name: "success"
             shown: root.page.hasSucceeded
             moves: root.page.animates
@@ -230,7 +238,7 @@ FocusScope {
             id: outcome
 
             x: 40
-            y: mark.y + mark.height + 6
+            y: mark.y + mark.height + 2
             width: parent.width - 80
             horizontalAlignment: Text.AlignHCenter
             text: root.page.spokenInstructions

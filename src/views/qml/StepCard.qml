@@ -22,7 +22,7 @@ Item {
     property real noteRoom: 20
     readonly property real noteNeed: noteText.visible ? noteText.height : 0
 
-    property real sideRoom: 96
+    property real sideRoom: 108
     readonly property real sideNeed: Math.max(card.buttonTitle !== "" ? button.implicitWidth : 0, card.skipTitle !== "" ? skip.implicitWidth : 0)
 
     onNoteNeedChanged: noteRoom = Math.max(noteRoom, noteNeed)
