@@ -92,6 +92,13 @@ void AppDelegate::makeOnboarding() {
                          services_.preferences, services_.accessibility, services_.consent,
                          services_.windowList, services_.system, services_.fileDrag,
                          services_.onboardingContents, services_.ownPid});
+  onboarding_->willReplaceSound = [this] {
+    // Without them the next start restarts Control Center and has it show the tiles, if this one
+    // ends before it could.
+    services_.menuBar.defaults.remove(tilesRefreshedKey);
+    services_.menuBar.defaults.remove(controlsPrimedKey);
+  };
+  onboarding_->onComplete = [this] { primeAfterSystemUpdate(); };
   onboarding_->prepareControls = [this](std::function<void()> done) {
     prepareControls(std::move(done));
   };
@@ -150,8 +157,12 @@ bool AppDelegate::isReplacementWhole() const {
   }
 }
 
-/// The program's tiles are new in Control Center, which restarts.
+/// Control Center may be on its way back, with tiles that it has never shown.
 void AppDelegate::prepareControls(std::function<void()> done) {
+  if (arePrimed()) {
+    done();
+    return;
+  }
   services_.menuBar.defaults.setString(tilesRefreshedKey, tileStamp());
   later_.after(reloadDelay, [this, done = std::move(done)] {
     services_.controlReload.reloadAllControls();
@@ -161,9 +172,15 @@ void AppDelegate::prepareControls(std::function<void()> done) {
 
 /// A failure is nobody's to mend; the next start tries again.
 bool AppDelegate::repairReplacement() {
+  UserDefaults& defaults = services_.menuBar.defaults;
+  const auto stamp = defaults.string(tilesRefreshedKey);
+  defaults.remove(tilesRefreshedKey);  // as in setup
   try {
     services_.layout.replaceSound();
   } catch (const std::exception&) {
+    if (stamp) {
+      defaults.setString(tilesRefreshedKey, *stamp);
+    }
     return false;
   }
   hasRestartedControlCenter_ = true;
@@ -189,10 +206,14 @@ bool AppDelegate::refreshTilesAfterUpdate() {
   return true;
 }
 
+/// Whether this system's Control Center has shown the program's tiles.
+bool AppDelegate::arePrimed() const {
+  return services_.menuBar.defaults.string(controlsPrimedKey) ==
+         services_.system.operatingSystemVersionString();
+}
+
 void AppDelegate::primeAfterSystemUpdate() {
-  if (!isSet(didCompleteSetupKey) || !isSet(soundReplacedKey) ||
-      services_.menuBar.defaults.string(controlsPrimedKey) ==
-          services_.system.operatingSystemVersionString() ||
+  if (!isSet(didCompleteSetupKey) || !isSet(soundReplacedKey) || arePrimed() ||
       !services_.accessibility.isTrusted()) {
     return;
   }

@@ -109,6 +109,7 @@ class AppDelegate {
   bool refreshTilesAfterUpdate();
   void primeAfterSystemUpdate();
   void prepareControls(std::function<void()> done);
+  bool arePrimed() const;
   bool runScript();
   void handleArguments();
 

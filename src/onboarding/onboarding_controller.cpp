@@ -100,6 +100,9 @@ void OnboardingController::show() {
   isSoundReplaced_ = false;
   state.supportsControlCenter.set(facts_.canReplaceSound());
   refreshState();
+  if (isSoundReplaced_) {
+    prepare();  // setup may have been ended in the midst of that
+  }
   if (guides_) {
     guides_->pointer.hide();
   }
@@ -222,6 +225,9 @@ void OnboardingController::endFlow() {
   resetInProgressSteps();
   if (state.isComplete()) {
     services_.menuBar.defaults.setBoolean(didCompleteSetupKey, true);
+    if (onComplete) {
+      onComplete();
+    }
   }
 }
 

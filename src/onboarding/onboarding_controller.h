@@ -58,9 +58,13 @@ class OnboardingController {
   std::function<void()> onControlCenter;
   std::function<void()> onSoundIcon;
 
-  /// Sound was replaced just now, and Control Center restarts: makes it show the program's new
-  /// tiles, and calls done once that is over, with success or without. Empty: nothing is to be
-  /// done.
+  /// Sound is about to be replaced. May be empty.
+  std::function<void()> willReplaceSound;
+  /// Setup has ended with everything done. May be empty.
+  std::function<void()> onComplete;
+
+  /// The program's tiles are in the layout: makes Control Center show them, unless it does, and
+  /// calls done once that is over, with success or without. Empty: nothing is to be done.
   std::function<void(std::function<void()> done)> prepareControls;
 
   /// Shows the setup window, afresh unless it is on screen.
@@ -131,6 +135,7 @@ class OnboardingController {
 
   void poll();
   void checkReplacement();
+  void prepare();
   void complete(SetupStep step);
   void completed(SetupStep step);
   void rememberReplacement();

@@ -62,6 +62,9 @@ void OnboardingController::startControlCenter() {
     return;
   }
   oldControlCenters_ = facts_.controlCenters();
+  if (willReplaceSound) {
+    willReplaceSound();
+  }
   try {
     services_.layout.replaceSound();
   } catch (const std::exception&) {
@@ -73,6 +76,11 @@ void OnboardingController::startControlCenter() {
   replacedAt_ = services_.menuBar.clock.mediaTime();
   dismissHelper();
   setStatus(SetupStep::controlCenter, StepStatus::working);
+  prepare();
+  startPolling();
+}
+
+void OnboardingController::prepare() {
   areControlsPrepared_ = !prepareControls;
   if (prepareControls) {
     prepareControls([this, life = std::weak_ptr<int>(life_)] {
@@ -81,7 +89,6 @@ void OnboardingController::startControlCenter() {
       }
     });
   }
-  startPolling();
 }
 
 void OnboardingController::startGuidedControlCenter() {

@@ -293,11 +293,15 @@ TEST(OnboardingControllerTest, AKilledProgramFindsWhatItHadBegun) {
   world.prepare(SetupStep::controlCenter);
   world.setup->show();
   world.press(SetupStep::controlCenter);
+  world.desktop.advance(2);
   world.desktop.defaults.remove("soundReplaced");  // it was killed before it wrote that
   world.make();
+  int preparations = 0;
+  world.setup->prepareControls = [&](const auto&) { ++preparations; };
   world.setup->show();
   EXPECT_THAT(world.statuses(), ElementsAre(done, done, done, active));
   EXPECT_TRUE(world.isSet("soundReplaced")) << "so that Sound is put back at its end";
+  EXPECT_EQ(preparations, 1) << "Control Center may not show the tiles yet";
 }
 
 TEST(OnboardingControllerTest, EveryHelperIsPresentedInTurn) {

@@ -137,6 +137,7 @@ struct SetupWorld {
     }
     if (step > SetupStep::controlCenter) {
       storeLayout(2, false);
+      desktop.defaults.setBoolean("soundReplaced", true);
     }
   }
 
