@@ -63,7 +63,7 @@ void StageSettings::show(Pane pane) {
     if (!wasPlaced_ && !screens.empty()) {
       const Rect& visible = screens[0].visibleFrame;
       frame_.x = visible.midX() - frame_.width / 2;
-      frame_.y = visible.midY() - frame_.height / 2;
+      frame_.y = visible.maxY() - 40 - frame_.height;
       wasPlaced_ = true;
     }
   }
