@@ -157,7 +157,10 @@ void ControlCenterSkin::followControlCenter() {
     quietTicks_ = 0;
     if (!isFading(panel->alpha)) {
       scanIfDue();
-      follow(*panel);
+      // A panel that is not to be seen yet may be closed before it ever is.
+      if (isShowing_ || panel->alpha > 0) {
+        follow(*panel);
+      }
     }
     return;
   }

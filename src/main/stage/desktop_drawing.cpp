@@ -184,8 +184,10 @@ Drawing promptDrawing(StageDesktop& desktop) {
                                TextPlace::center});
     rest.erase(0, end < rest.size() && rest[end] == ' ' ? end + 1 : end);
   }
-  addButton(drawing, desktop.space.flipped(prompt.denyButton()), prompt.denyTitle(), false, palette);
-  addButton(drawing, desktop.space.flipped(prompt.allowButton()), prompt.allowTitle(), true, palette);
+  addButton(drawing, desktop.space.flipped(prompt.denyButton()), prompt.denyTitle(), false,
+            palette);
+  addButton(drawing, desktop.space.flipped(prompt.allowButton()), prompt.allowTitle(), true,
+            palette);
   return drawing;
 }
 

@@ -106,9 +106,9 @@ struct ScenarioTarget {
     settingsBar,    ///< the title bar of System Settings
     closeSetup,     ///< the same of the setup window
     setupBar,
-    prompt,         ///< a button of the question for consent, by its label
-    dock,           ///< an icon in the Dock, by the application's name
-    player,         ///< the button that pauses and resumes a player, by its name
+    prompt,  ///< a button of the question for consent, by its label
+    dock,    ///< an icon in the Dock, by the application's name
+    player,  ///< the button that pauses and resumes a player, by its name
     point,
   };
   Kind kind = Kind::desktop;
