@@ -95,8 +95,22 @@ void AppDelegate::makeOnboarding() {
   onboarding_->willReplaceSound = [this] {
     // Without them the next start restarts Control Center and has it show the tiles, if this one
     // ends before it could.
-    services_.menuBar.defaults.remove(tilesRefreshedKey);
-    services_.menuBar.defaults.remove(controlsPrimedKey);
+    for (const char* key : {tilesRefreshedKey, controlsPrimedKey}) {
+      kept_[key] = services_.menuBar.defaults.string(key);
+      services_.menuBar.defaults.remove(key);
+    }
+  };
+  onboarding_->didNotReplaceSound = [this] {
+    for (const auto& [key, value] : std::exchange(kept_, {})) {
+      if (value) {
+        services_.menuBar.defaults.setString(key, *value);
+      }
+    }
+  };
+  onboarding_->onTilesAddedByHand = [this] {
+    services_.menuBar.defaults.setString(tilesRefreshedKey, tileStamp());
+    services_.menuBar.defaults.setString(controlsPrimedKey,
+                                         services_.system.operatingSystemVersionString());
   };
   onboarding_->onComplete = [this] { primeAfterSystemUpdate(); };
   onboarding_->prepareControls = [this](std::function<void()> done) {

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -129,8 +131,9 @@ class AppDelegate {
   std::unique_ptr<OnboardingController> onboarding_;
   std::unique_ptr<ControlCenterSkin> skin_;
   std::unique_ptr<ControlCenterDetail> detail_;
-  bool hasRestartedControlCenter_ = false;  // a moment ago, in this start-up
-  DelayedWork later_;                       // the first to go
+  std::map<std::string, std::optional<std::string>> kept_;  // settings, while Sound is replaced
+  bool hasRestartedControlCenter_ = false;                  // a moment ago, in this start-up
+  DelayedWork later_;                                       // the first to go
 };
 
 }  // namespace plemora

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/services/launch_at_login.h"
+#include "onboarding/setup_page.h"
 #include "platform/application.h"
 #include "platform/login_item.h"
 #include "platform/screens.h"
@@ -117,7 +118,7 @@ bool DesktopSetup::makeWindow() {
   }
   TitledWindowOptions options;
   options.identifier = "setup";
-  options.title = "Set Up Plemora";
+  options.title = setup_texts::windowTitle;
   options.windowWillClose = [this] { finish(); };
   window_ = services_.windows.makeTitled(options);
   window_->surface().setContent(content_);
@@ -191,7 +192,7 @@ bool DesktopSetup::isComplete() const {
 
 SetupPage DesktopSetup::page() const {
   SetupPage page;
-  page.title = "Set Up Plemora";
+  page.title = setup_texts::windowTitle;
   page.line = "A volume for every app, in a moment.";
   page.cards = {audioCard(), loginItemCard()};
   if (isTrayIconHidden_) {
@@ -200,26 +201,25 @@ SetupPage DesktopSetup::page() const {
   for (const SetupCard& card : page.cards) {
     page.doneCards += card.status == StepStatus::done ? 1 : 0;
   }
-  page.finishTitle = "Finish Later";
+  page.finishTitle = setup_texts::finishLaterTitle;
   if (isComplete()) {
     page.isComplete = true;
-    page.title = "You're all set";
+    page.title = setup_texts::completeTitle;
     page.completeLines =
         services_.showsTrayIcon().value_or(false)
             ? std::vector<std::string>{"Set the volume of every app, right from the tray.",
                                        "Click Plemora's icon there whenever you want its panel."}
             : std::vector<std::string>{"Set the volume of every app, right from Plemora's panel.",
                                        "Start Plemora once more whenever you want it."};
-    page.showTitle = "Show Me";
-    page.finishTitle = "Done";
+    page.showTitle = setup_texts::showTitle;
+    page.finishTitle = setup_texts::finishTitle;
   }
   return page;
 }
 
 SetupCard DesktopSetup::audioCard() const {
   SetupCard card =
-      cardOf(audioId, "Allow audio access",
-             "Lets Plemora turn each app up or down. Nothing is recorded.", state_.audio.get());
+      cardOf(audioId, setup_texts::audioTitle, setup_texts::audioLine, state_.audio.get());
   if (card.status != StepStatus::done) {
     card.note = services_.audioAdvice();
   }

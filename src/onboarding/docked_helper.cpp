@@ -255,6 +255,9 @@ void DockedHelper::updateControlCenter() {
 /// Edit mode needs the room beside the panel for what can be added.
 Rect DockedHelper::controlCenterFrame(const std::optional<ControlCenterWindow>& panel,
                                       bool isEditing) const {
+  if (screens().empty()) {
+    return panel_->target();
+  }
   if (isEditing || !panel) {
     return DockPlacement::alone(screens().front().frame, height_, screens());
   }

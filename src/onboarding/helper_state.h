@@ -15,7 +15,7 @@ struct HelperState {
   Published<bool> isDragging{false};        ///< the program's icon is on its way to the list
   Published<bool> awaitingApproval{false};  ///< it was dropped there, or the system was told to ask
   Published<bool> succeeded{false};
-  Published<bool> settingsMissing{false};  ///< System Settings has not come, or has gone
+  Published<bool> settingsMissing{false};  ///< System Settings has not come
   Published<bool> controlCenterEditing{false};
   Published<bool> controlCenterOpen{false};
   /// Control Center was left, and the change is not there yet.

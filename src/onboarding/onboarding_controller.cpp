@@ -65,7 +65,7 @@ void OnboardingController::observeState() {
 }
 
 void OnboardingController::updatePage() {
-  SetupPage page = setupPage(state, isSoundReplaced_);
+  SetupPage page = setupPage(state, isSoundReplaced_, isControlCenterLate_);
   if (page != view_.page.get()) {
     view_.page.set(std::move(page));
   }
@@ -98,9 +98,11 @@ void OnboardingController::show() {
     setStatus(step, StepStatus::pending);
   }
   isSoundReplaced_ = false;
+  isControlCenterLate_ = false;
   state.supportsControlCenter.set(facts_.canReplaceSound());
   refreshState();
-  if (isSoundReplaced_) {
+  if (isSoundReplaced_ &&
+      !services_.menuBar.defaults.boolean(didCompleteSetupKey).value_or(false)) {
     prepare();  // setup may have been ended in the midst of that
   }
   if (guides_) {
@@ -239,6 +241,9 @@ void OnboardingController::pointAtIcon() {
 }
 
 void OnboardingController::tearDown() {
+  if (window_->isShown() && state.isComplete()) {
+    services_.menuBar.defaults.setBoolean(didCompleteSetupKey, true);
+  }
   life_ = std::make_shared<int>(0);
   cancelTest();
   poll_.reset();

@@ -60,6 +60,10 @@ class OnboardingController {
 
   /// Sound is about to be replaced. May be empty.
   std::function<void()> willReplaceSound;
+  /// It could not be. May be empty.
+  std::function<void()> didNotReplaceSound;
+  /// The user has put the program's tiles into Control Center, in its edit mode. May be empty.
+  std::function<void()> onTilesAddedByHand;
   /// Setup has ended with everything done. May be empty.
   std::function<void()> onComplete;
 
@@ -124,8 +128,8 @@ class OnboardingController {
 
   Guides& guides();
   bool isHelperPresented() const;
-  void presentHelper(HelperState::Kind kind, SetupStep step);
-  void sendToSettings(SetupStep step, HelperState::Kind kind, const std::string& url);
+  void presentHelper(SetupStep step);
+  void sendToSettings(SetupStep step, const std::string& url);
   void dismissHelper();
   void wentBack();
   void saidDone();
@@ -154,6 +158,7 @@ class OnboardingController {
   double replacedAt_ = 0;                       // media time
   std::set<std::int32_t> oldControlCenters_;    // those that were to end with the replacement
   bool areControlsPrepared_ = false;
+  bool isControlCenterLate_ = false;  // did not come back in time
   std::unique_ptr<SetupWindow> window_;
   std::unique_ptr<Guides> guides_;
   Timer poll_;

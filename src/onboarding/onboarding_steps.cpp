@@ -18,14 +18,31 @@ namespace plemora {
 
 using Kind = HelperState::Kind;
 
+namespace {
+
+Kind kindOf(SetupStep step) {
+  switch (step) {
+    case SetupStep::audio:
+      return Kind::audioPermission;
+    case SetupStep::accessibility:
+      return Kind::accessibility;
+    case SetupStep::controlCenter:
+      return Kind::controlCenter;
+    case SetupStep::soundIcon:
+      break;
+  }
+  return Kind::hideSoundIcon;
+}
+
+}  // namespace
+
 void OnboardingController::startAudio() {
   if (facts_.isAudioGranted()) {
     audioGranted();
     return;
   }
   setStatus(SetupStep::audio, StepStatus::inSettings);
-  sendToSettings(SetupStep::audio, Kind::audioPermission,
-                 std::string(AudioPermission::settingsURL));
+  sendToSettings(SetupStep::audio, std::string(AudioPermission::settingsURL));
 }
 
 void OnboardingController::startAccessibility() {
@@ -36,23 +53,23 @@ void OnboardingController::startAccessibility() {
   }
   setStatus(SetupStep::accessibility, StepStatus::inSettings);
   services_.accessibility.requestTrust();
-  sendToSettings(SetupStep::accessibility, Kind::accessibility, accessibilitySettingsURL);
+  sendToSettings(SetupStep::accessibility, accessibilitySettingsURL);
 }
 
 void OnboardingController::startSoundIcon() {
   setStatus(SetupStep::soundIcon, StepStatus::inSettings);
-  sendToSettings(SetupStep::soundIcon, Kind::hideSoundIcon, menuBarSettingsURL);
+  sendToSettings(SetupStep::soundIcon, menuBarSettingsURL);
 }
 
-void OnboardingController::sendToSettings(SetupStep step, Kind kind, const std::string& url) {
+void OnboardingController::sendToSettings(SetupStep step, const std::string& url) {
   services_.menuBar.workspace.openURL(url);
-  presentHelper(kind, step);
+  presentHelper(step);
   startPolling();
 }
 
-void OnboardingController::presentHelper(Kind kind, SetupStep step) {
+void OnboardingController::presentHelper(SetupStep step) {
   guides().pointer.hide();
-  helper().present(kind, buttonFrame(step));
+  helper().present(kindOf(step), buttonFrame(step));
 }
 
 void OnboardingController::startControlCenter() {
@@ -62,12 +79,16 @@ void OnboardingController::startControlCenter() {
     return;
   }
   oldControlCenters_ = facts_.controlCenters();
+  isControlCenterLate_ = false;
   if (willReplaceSound) {
     willReplaceSound();
   }
   try {
     services_.layout.replaceSound();
   } catch (const std::exception&) {
+    if (didNotReplaceSound) {
+      didNotReplaceSound();
+    }
     // What the program cannot do the user can.
     startGuidedControlCenter();
     return;
@@ -93,7 +114,7 @@ void OnboardingController::prepare() {
 
 void OnboardingController::startGuidedControlCenter() {
   setStatus(SetupStep::controlCenter, StepStatus::inSettings);
-  presentHelper(Kind::controlCenter, SetupStep::controlCenter);
+  presentHelper(SetupStep::controlCenter);
   startPolling();
 }
 
@@ -116,6 +137,9 @@ void OnboardingController::poll() {
     checkReplacement();
   } else if (state.controlCenter.get() == StepStatus::inSettings &&
              facts_.layout() == SetupFacts::Layout::whole) {
+    if (onTilesAddedByHand) {
+      onTilesAddedByHand();
+    }
     completeControlCenter();
   }
   if (state.soundIcon.get() == StepStatus::inSettings && facts_.isSoundIconHidden()) {
@@ -129,6 +153,7 @@ void OnboardingController::checkReplacement() {
   if (isBack && areControlsPrepared_ && facts_.layout() == SetupFacts::Layout::whole) {
     completeControlCenter();
   } else if (services_.menuBar.clock.mediaTime() - replacedAt_ >= restartTimeout) {
+    isControlCenterLate_ = true;
     setStatus(SetupStep::controlCenter, StepStatus::active);
     poll_.reset();
   }
@@ -180,7 +205,9 @@ void OnboardingController::completed(SetupStep step) {
   if (std::ranges::none_of(setupSteps, [this](SetupStep each) { return isInProgress(each); })) {
     poll_.reset();
   }
-  if (isHelperPresented() && !guides_->helper.isLeaving()) {
+  // One for another step goes on: its step is not done.
+  if (isHelperPresented() && !guides_->helper.isLeaving() &&
+      guides_->helper.state.kind.get() == kindOf(step)) {
     guides_->helper.succeed([this] {
       bringBack();
       dismissHelper();
@@ -188,6 +215,8 @@ void OnboardingController::completed(SetupStep step) {
   }
 }
 
+/// Also of what an earlier run of the program had begun, or the user has done by hand: Sound is to
+/// come back when the program ends.
 void OnboardingController::rememberReplacement() {
   services_.menuBar.defaults.setBoolean(soundReplacedKey, true);
   isSoundReplaced_ = facts_.layout() == SetupFacts::Layout::whole;
@@ -227,7 +256,7 @@ void OnboardingController::askInstead() {
       if (life.expired()) {
         return;
       }
-      if (!isGranted && isHelperPresented()) {
+      if (!isGranted && isHelperPresented() && helper().state.kind.get() == Kind::audioPermission) {
         helper().state.awaitingApproval.set(false);
       }
     });

@@ -23,9 +23,8 @@ constexpr const char* settingsNote = "Waiting for you in System Settings…";
 constexpr const char* settingsAgain = "Show Again";
 
 constexpr std::array<StepTexts, 4> texts{{
-    {SetupStep::audio, "audio", "Allow audio access",
-     "Lets Plemora turn each app up or down. Nothing is recorded.", "Allow", settingsAgain,
-     settingsNote, "", ""},
+    {SetupStep::audio, "audio", setup_texts::audioTitle, setup_texts::audioLine, "Allow",
+     settingsAgain, settingsNote, "", ""},
     {SetupStep::accessibility, "accessibility", "Allow Plemora in Control Center",
      "Lets Plemora draw its Sound module there. It only looks at Control Center.", "Allow",
      settingsAgain, settingsNote, "", ""},
@@ -62,7 +61,7 @@ SetupCard card(const StepTexts& step, StepStatus status) {
 
 }  // namespace
 
-SetupPage setupPage(const SetupState& state, bool isSoundReplaced) {
+SetupPage setupPage(const SetupState& state, bool isSoundReplaced, bool isControlCenterLate) {
   SetupPage page;
   page.isComplete = state.isComplete();
   page.title = page.isComplete ? setup_texts::completeTitle : setup_texts::windowTitle;
@@ -80,6 +79,10 @@ SetupPage setupPage(const SetupState& state, bool isSoundReplaced) {
   for (const StepTexts& step : texts) {
     if (step.step != SetupStep::controlCenter || state.supportsControlCenter.get()) {
       page.cards.push_back(card(step, state.statusOf(step.step)));
+      if (isControlCenterLate && page.cards.back().status == StepStatus::active &&
+          step.step == SetupStep::controlCenter) {
+        page.cards.back().note = "Control Center has not come back. Try again in a moment.";
+      }
     }
   }
   page.doneCards = static_cast<std::size_t>(

@@ -124,6 +124,18 @@ TEST(AppSetupTest, TilesThatAreNewInControlCenterAreReloadedAndPrimed) {
       << "this build has had its turn";
 }
 
+TEST(AppSetupTest, QuittingWithAllDoneIsAnEndOfSetupToo) {
+  AppWorld world;
+  world.defaults.setBoolean("didCompleteSetup", false);
+  world.launch();
+  OnboardingController& setup = *world.delegate->onboarding();
+  for (const SetupStep step : setupSteps) {
+    setup.state.status(step).set(StepStatus::done);
+  }
+  world.delegate->applicationWillTerminate();
+  EXPECT_EQ(world.defaults.boolean("didCompleteSetup"), true);
+}
+
 TEST(AppSetupTest, QuittingEndsSetupWhereverItStands) {
   for (const SetupStep step : setupSteps) {
     AppWorld world;

@@ -249,6 +249,23 @@ TEST(OnboardingStepsTest, OnlyAHiddenIconOfSoundIsDone) {
   }
 }
 
+TEST(OnboardingStepsTest, AHelperSpeaksOfItsOwnStepAlone) {
+  SetupWorld world;
+  world.desktop.consent.setPreflight(1);
+  world.desktop.accessibility.setTrusted(false);
+  world.setup->show();
+  world.press(SetupStep::audio);
+  world.desktop.advance(2);
+  world.desktop.accessibility.setTrusted(true);
+  world.desktop.advance(3);
+  EXPECT_EQ(world.setup->state.accessibility.get(), done);
+  EXPECT_TRUE(world.setup->helper().isPresented());
+  EXPECT_FALSE(world.setup->helper().state.succeeded.get());
+  world.desktop.consent.setPreflight(0);
+  world.desktop.advance(0.5);
+  EXPECT_TRUE(world.setup->helper().state.succeeded.get());
+}
+
 TEST(OnboardingStepsTest, KeepingTheSoundIconEndsItsStep) {
   for (const bool isBegun : {false, true}) {
     SetupWorld world;

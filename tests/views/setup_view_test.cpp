@@ -105,7 +105,7 @@ TEST_F(SetupViewTest, SpeaksOfHowEachStepStands) {
     return description(card, QAccessible::Grouping);
   };
   EXPECT_THAT(statusOf("Allow audio access"), StartsWith("Done. Lets Plemora turn each app"));
-  EXPECT_THAT(statusOf("Allow Plemora in Control Center"), StartsWith("In System Settings. "));
+  EXPECT_THAT(statusOf("Allow Plemora in Control Center"), StartsWith("Waiting for you. "));
   EXPECT_THAT(statusOf("Allow Plemora in Control Center"), HasSubstr("Waiting for you"));
   EXPECT_THAT(statusOf("Replace Sound in Control Center"), HasSubstr("Restarting Control Center…"));
   EXPECT_THAT(statusOf("Replace the menu bar icon"), StartsWith("Not yet. "));

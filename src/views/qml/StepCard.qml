@@ -13,8 +13,8 @@ Item {
     readonly property alias button: button
     readonly property bool holdsFocus: button.activeFocus || skip.activeFocus
     readonly property bool isRaised: card.isActive || card.isInSettings || card.isWorking
-    readonly property string status: card.isDone ? qsTr("Done") : card.isInSettings ? qsTr("In System Settings") : card.isWorking ? qsTr("In progress") : card.isActive ? qsTr("Ready") : qsTr("Not yet")
-    readonly property string note: card.note !== "" ? card.note : card.isInSettings ? qsTr("Waiting for System Settings…") : ""
+    readonly property string status: card.isDone ? qsTr("Done") : card.isInSettings ? qsTr("Waiting for you") : card.isWorking ? qsTr("In progress") : card.isActive ? qsTr("Ready") : qsTr("Not yet")
+    readonly property string note: card.note
     readonly property bool isWaiting: card.isInSettings || card.isWorking
     readonly property real textTop: 21
 
