@@ -65,6 +65,28 @@ class Restart : public testing::Test {
   std::unique_ptr<TonePlayer> tone;
 };
 
+TEST_F(Restart, OfThePlayerKeepsItsLevel) {
+  for (int round = 0; round < 3; ++round) {
+    tone->process().kill();
+    EXPECT_TRUE(hears("first", 0));
+    tone = std::make_unique<TonePlayer>(session, options);
+    ASSERT_TRUE(session.waitForLink("tone", "first"));
+    EXPECT_TRUE(hears("first", 0.125f)) << "round " << round;
+  }
+  EXPECT_EQ(plemora->apps().size(), 1u);
+}
+
+TEST_F(Restart, OfTheSinkMovesTheAppAndBack) {
+  session.graph().removeSink("first");
+  ASSERT_TRUE(session.waitForLink("tone", "second"));
+  EXPECT_TRUE(hears("second", 0.125f));
+  session.graph().createSink({.name = "first", .description = "First Speakers", .priority = 900});
+  session.graph().setDefaultSink("first");
+  ASSERT_TRUE(session.waitForLink("tone", "first"));
+  EXPECT_TRUE(hears("first", 0.125f));
+  EXPECT_TRUE(hears("second", 0));
+}
+
 TEST_F(Restart, OfTheSessionManagerStrandsNobody) {
   for (const bool kill : {false, true}) {
     SCOPED_TRACE(kill ? "SIGKILL" : "SIGTERM");

@@ -84,5 +84,34 @@ TEST(Tap, KeepsTheChannelsOfASurroundSinkApart) {
   }
 }
 
+TEST(Tap, SixtyFourAppsAreAllRight) {
+  TapRig rig;
+  std::vector<std::unique_ptr<TonePlayer>> players;
+  std::vector<std::unique_ptr<AppTap>> taps;
+  constexpr float each = 1.0f / 256;
+  constexpr int count = 64;
+  for (int i = 0; i < count; ++i) {
+    players.push_back(
+        rig.play({.name = "app" + std::to_string(i), .signal = Signal::constant(each)}));
+  }
+  SinkRecorder recorder(rig.session, "first", 20);
+  ASSERT_TRUE(rig.hears(recorder, each * count));
+  for (const auto& player : players) {
+    taps.push_back(rig.tap(*player, 0.5f));
+    ASSERT_TRUE(taps.back());
+  }
+  EXPECT_TRUE(rig.hears(recorder, each * count * 0.5f)) << recorder.next(1)[0].back();
+  EXPECT_THAT(recorder.next(4800)[0], testing::Each(each * count * 0.5f));
+  // Each of them is a tap of its own: silence them one after the other.
+  for (int i = 0; i < count; i += 9) {
+    taps[static_cast<std::size_t>(i)]->state().targetGain = 0;
+    taps[static_cast<std::size_t>(i)]->state().peak = 0;
+    const float rest = each * 0.5f * static_cast<float>(count - i / 9 - 1);
+    EXPECT_TRUE(rig.hears(recorder, rest, 2)) << i << ": " << recorder.next(1)[0].back();
+  }
+  taps.clear();
+  EXPECT_TRUE(rig.hears(recorder, each * count));
+}
+
 }  // namespace
 }  // namespace plemora::rig

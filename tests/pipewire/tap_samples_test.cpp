@@ -232,6 +232,62 @@ TEST(Tap, MutesToExactlyNothingAloneAndBesideOtherSound) {
   EXPECT_LT(peak(both[0]), std::ldexp(1, -20));
 }
 
+TEST(Tap, RoutesToAnotherSinkAndWritesNothing) {
+  TapRig rig;
+  const auto tone = rig.play({.signal = Signal::identity()});
+  SinkRecorder first(rig.session, "first", 20);
+  SinkRecorder second(rig.session, "second", 60);
+  auto& graph = rig.session.graph();
+  graph.sync();
+  const auto metadata = graph.metadata("default");
+  auto tap = rig.tap(*tone, 0.5f, "second");
+  ASSERT_TRUE(tap);
+  ASSERT_TRUE(rig.eventually(5, [&] { return first.next(1)[0].back() == 0; }));
+  ASSERT_TRUE(rig.eventually(5, [&] { return second.next(1)[0].back() != 0; }));
+  const auto absent = first.next(24000);
+  EXPECT_EQ(peak(absent[0]), 0);
+  EXPECT_EQ(peak(absent[1]), 0);
+  auto heard = second.next(24000);
+  for (int attempt = 0; attempt < 8 && heard.gaps > 0; ++attempt) {
+    heard = second.next(24000);
+  }
+  ASSERT_EQ(heard.gaps, 0) << "the machine is too busy to measure anything";
+  for (unsigned channel = 0; channel < 2; ++channel) {
+    const auto track = gainTrack(heard, channel, 0.5);
+    ASSERT_GE(track.firstFrame, 0);
+    EXPECT_EQ(track.framesOff({0.5}), 0u) << track.text();
+  }
+  graph.sync();
+  EXPECT_EQ(graph.metadata("default"), metadata);
+  EXPECT_THAT(rig.devicesOf(rig.processOf(tone->pid())), testing::ElementsAre(rig.uidOf("first")));
+
+  tap.reset();
+  ASSERT_TRUE(rig.eventually(5, [&] { return second.next(1)[0].back() == 0; }));
+  const auto direct = gainTrack(first.next(4800), 0);
+  EXPECT_EQ(direct.framesOff({1}), 0u) << direct.text();
+  EXPECT_EQ(peak(second.next(4800)[0]), 0);
+}
+
+TEST(Tap, SumsTheStreamsOfAnAppExactly) {
+  TapRig rig;
+  for (const int streams : {1, 2, 3, 8}) {
+    SCOPED_TRACE(streams);
+    const auto tone = rig.play({.name = "tone" + std::to_string(streams),
+                                .signal = Signal::constant(0.0625),
+                                .streams = streams});
+    SinkRecorder recorder(rig.session, "first", 10);
+    const float direct = 0.0625f * static_cast<float>(streams);
+    ASSERT_TRUE(rig.hears(recorder, direct));
+    auto tap = rig.tap(*tone, quarter);
+    ASSERT_TRUE(tap);
+    ASSERT_TRUE(rig.hears(recorder, direct * quarter));
+    const auto heard = recorder.next(4800);
+    EXPECT_THAT(heard[1], testing::Each(direct * quarter));
+    tap.reset();
+    EXPECT_TRUE(rig.hears(recorder, direct));
+  }
+}
+
 TEST(Tap, RampsTheGainOfAnAppWithMoreStreamsThanTheFirstFilterHasRoomFor) {
   TapRig rig;
   constexpr int streams = 12;
@@ -255,6 +311,29 @@ TEST(Tap, RampsTheGainOfAnAppWithMoreStreamsThanTheFirstFilterHasRoomFor) {
     smooth = isSmooth ? smooth + 1 : 0;
     return smooth == 5;
   }));
+}
+
+TEST(Tap, FollowsAStreamThatIsMadeAnew) {
+  TapRig rig;
+  const auto tone = rig.play({.signal = Signal::constant(0.25)});
+  SinkRecorder recorder(rig.session, "first", 40);
+  auto tap = rig.tap(*tone, quarter);
+  ASSERT_TRUE(tap);
+  ASSERT_TRUE(rig.hears(recorder, 0.25f * quarter));
+  recorder.clear();
+  for (int round = 0; round < 5; ++round) {
+    tone->close(round);
+    ASSERT_TRUE(tone->waitFor(round, "unconnected"));
+    ASSERT_TRUE(recorder.record(4800));
+    ASSERT_EQ(recorder.take()[0].back(), 0) << "round " << round;
+    const int again = tone->open();
+    ASSERT_TRUE(tone->waitFor(again, "streaming"));
+    ASSERT_TRUE(recorder.record(9600));
+    EXPECT_EQ(recorder.take()[0].back(), 0.25f * quarter) << "round " << round;
+  }
+  const auto loud = framesAbove(recorder.take(), 0.25 * quarter + 1e-6);
+  std::printf("stream made anew: %zu frames at the wrong gain in 5 rounds\n", loud);
+  EXPECT_LE(loud, 5 * 1024u);
 }
 
 TEST(Tap, LetsTheSinkSuspendWhileItsAppIsPaused) {

@@ -7,7 +7,6 @@
 
 #include "support/child_process.h"
 #include "support/pipewire/graph_view.h"
-#include "support/temporary_folder.h"
 
 namespace plemora::rig {
 
@@ -63,8 +62,7 @@ class PrivateSession {
  private:
   bool answers(Daemon daemon);
 
-  TemporaryFolder folder_;
-  std::string directory_ = folder_.path().string();
+  std::string directory_;
   std::vector<std::string> environment_;
   std::map<Daemon, std::unique_ptr<ChildProcess>> daemons_;
   std::unique_ptr<GraphView> graph_;
