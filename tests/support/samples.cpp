@@ -12,7 +12,7 @@ namespace plemora::rig {
 
 namespace {
 
-constexpr const char* kindNames[] = {"identity", "sine", "constant", "impulse", "noise"};
+constexpr const char* kindNames[] = {"identity", "sine", "constant", "noise"};
 
 float noiseAt(std::uint64_t frame, unsigned channel) {
   std::uint64_t x = frame * 0x9e3779b97f4a7c15u + channel * 0xbf58476d1ce4e5b9u + 1;
@@ -68,8 +68,6 @@ float Signal::at(std::uint64_t frame, unsigned channel, unsigned rate) const {
                                                      static_cast<double>(frame) / rate));
     case Kind::constant:
       return static_cast<float>(amplitude);
-    case Kind::impulse:
-      return frame % static_cast<std::uint64_t>(frequency) == 0 ? static_cast<float>(amplitude) : 0;
     case Kind::noise:
       return static_cast<float>(amplitude) * noiseAt(frame, channel);
   }
@@ -138,18 +136,18 @@ std::size_t firstAbove(std::span<const float> samples, double threshold) {
   return static_cast<std::size_t>(found - samples.begin());
 }
 
-void writeToneFile(const std::string& path, const Signal& signal, double seconds, unsigned channels,
-                   unsigned rate, SampleFormat format) {
+void writeToneFile(const std::string& path, const Signal& signal, double seconds) {
+  constexpr std::uint32_t channels = 2;
+  constexpr std::uint32_t rate = 48000;
+  constexpr std::uint32_t width = sizeof(float);
   const auto frames = static_cast<std::uint64_t>(std::llround(seconds * rate));
-  const bool isFloat = format == SampleFormat::float32;
-  const std::uint32_t width = isFloat ? 4 : 2;
   const auto size = static_cast<std::uint32_t>(frames * channels * width);
   std::string bytes = "RIFF";
   bytes.reserve(size + 64);
   put(bytes, size + 36, 4);
   bytes += "WAVEfmt ";
   put(bytes, 16, 4);
-  put(bytes, isFloat ? 3 : 1, 2);
+  put(bytes, 3, 2);  // floats
   put(bytes, channels, 2);
   put(bytes, rate, 4);
   put(bytes, rate * channels * width, 4);
@@ -160,11 +158,7 @@ void writeToneFile(const std::string& path, const Signal& signal, double seconds
   for (std::uint64_t frame = 0; frame < frames; ++frame) {
     for (unsigned channel = 0; channel < channels; ++channel) {
       const float sample = signal.at(frame, channel, rate);
-      if (isFloat) {
-        bytes.append(reinterpret_cast<const char*>(&sample), sizeof sample);
-      } else {
-        put(bytes, static_cast<std::uint32_t>(std::lround(sample * 32767)), 2);
-      }
+      bytes.append(reinterpret_cast<const char*>(&sample), sizeof sample);
     }
   }
   std::ofstream file(path, std::ios::binary);

@@ -9,12 +9,12 @@
 namespace plemora::rig {
 
 /// A test signal of exactly known samples. Text form, for command lines: "identity",
-/// "sine:440:0.5", "constant:0.25", "impulse:480:0.5", "noise:0.5".
+/// "sine:440:0.5", "constant:0.25", "noise:0.5".
 struct Signal {
-  enum class Kind { identity, sine, constant, impulse, noise };
+  enum class Kind { identity, sine, constant, noise };
 
   Kind kind = Kind::identity;
-  double frequency = 440;  ///< Hz; of an impulse: frames from one to the next
+  double frequency = 440;  ///< Hz
   double amplitude = 0.5;
 
   static Signal identity() { return {}; }
@@ -52,11 +52,8 @@ double amplitudeAt(std::span<const float> samples, double frequency, double rate
 /// Index of the first sample above the threshold; samples.size() when there is none.
 std::size_t firstAbove(std::span<const float> samples, double threshold);
 
-enum class SampleFormat { float32, int16 };
-
-/// Writes a WAV file of that many seconds. Throws std::runtime_error when it cannot be written.
-void writeToneFile(const std::string& path, const Signal& signal, double seconds,
-                   unsigned channels = 2, unsigned rate = 48000,
-                   SampleFormat format = SampleFormat::float32);
+/// Writes a WAV file of that many seconds, stereo at 48 kHz in floats. Throws std::runtime_error
+/// when it cannot be written.
+void writeToneFile(const std::string& path, const Signal& signal, double seconds);
 
 }  // namespace plemora::rig

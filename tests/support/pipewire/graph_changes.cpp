@@ -21,7 +21,6 @@ const char* positions(int channels) {
 pw_proxy* GraphView::Impl::makeSink(const SinkOptions& options) const {
   const std::string channels = std::to_string(options.channels);
   const std::string priority = std::to_string(options.priority);
-  const std::string rate = std::to_string(options.rate);
   const auto& description = options.description.empty() ? options.name : options.description;
   auto* properties = pw_properties_new(
       PW_KEY_FACTORY_NAME, "support.null-audio-sink", PW_KEY_NODE_NAME, options.name.c_str(),
@@ -29,9 +28,6 @@ pw_proxy* GraphView::Impl::makeSink(const SinkOptions& options) const {
       PW_KEY_PRIORITY_DRIVER, priority.c_str(), PW_KEY_PRIORITY_SESSION, priority.c_str(),
       "audio.channels", channels.c_str(), "audio.position", positions(options.channels),
       "monitor.channel-volumes", "true", nullptr);
-  if (options.rate != 0) {
-    pw_properties_set(properties, "audio.rate", rate.c_str());
-  }
   auto* proxy = static_cast<pw_proxy*>(pw_core_create_object(
       core, "adapter", PW_TYPE_INTERFACE_Node, PW_VERSION_NODE, &properties->dict, 0));
   pw_properties_free(properties);
@@ -86,13 +82,12 @@ bool GraphView::sinksAreReady() {
   return true;
 }
 
-int GraphView::link(std::uint32_t outputPort, std::uint32_t inputPort, bool passive) {
+int GraphView::link(std::uint32_t outputPort, std::uint32_t inputPort) {
   const LoopLock lock(impl_->loop);
   const std::string output = std::to_string(outputPort);
   const std::string input = std::to_string(inputPort);
-  auto* properties =
-      pw_properties_new(PW_KEY_LINK_OUTPUT_PORT, output.c_str(), PW_KEY_LINK_INPUT_PORT,
-                        input.c_str(), PW_KEY_LINK_PASSIVE, passive ? "true" : "false", nullptr);
+  auto* properties = pw_properties_new(PW_KEY_LINK_OUTPUT_PORT, output.c_str(),
+                                       PW_KEY_LINK_INPUT_PORT, input.c_str(), nullptr);
   const int handle = impl_->madeLinks.empty() ? 1 : impl_->madeLinks.rbegin()->first + 1;
   impl_->madeLinks[handle] = static_cast<pw_proxy*>(pw_core_create_object(
       impl_->core, "link-factory", PW_TYPE_INTERFACE_Link, PW_VERSION_LINK, &properties->dict, 0));
@@ -119,34 +114,6 @@ void GraphView::setMetadata(const std::string& object, std::uint32_t subject,
                            value.empty() ? nullptr : value.c_str());
 }
 
-void GraphView::setVolume(std::uint32_t node, float volume, bool mute) {
-  const LoopLock lock(impl_->loop);
-  const auto found = impl_->objects.find(node);
-  if (found == impl_->objects.end()) {
-    throw std::runtime_error("no node " + std::to_string(node));
-  }
-  std::uint8_t bytes[512];
-  spa_pod_builder builder = SPA_POD_BUILDER_INIT(bytes, sizeof bytes);
-  const float volumes[2] = {volume, volume};
-  spa_pod_frame frame;
-  spa_pod_builder_push_object(&builder, &frame, SPA_TYPE_OBJECT_Props, SPA_PARAM_Props);
-  spa_pod_builder_prop(&builder, SPA_PROP_channelVolumes, 0);
-  spa_pod_builder_array(&builder, sizeof(float), SPA_TYPE_Float, 2, volumes);
-  spa_pod_builder_prop(&builder, SPA_PROP_mute, 0);
-  spa_pod_builder_bool(&builder, mute);
-  const auto* pod = static_cast<const spa_pod*>(spa_pod_builder_pop(&builder, &frame));
-  pw_node_set_param(reinterpret_cast<pw_node*>(found->second->proxy), SPA_PARAM_Props, 0, pod);
-}
-
-void GraphView::suspend(std::uint32_t node) {
-  const LoopLock lock(impl_->loop);
-  const auto found = impl_->objects.find(node);
-  if (found != impl_->objects.end() && found->second->proxy != nullptr) {
-    const spa_command command = SPA_NODE_COMMAND_INIT(SPA_NODE_COMMAND_Suspend);
-    pw_node_send_command(reinterpret_cast<pw_node*>(found->second->proxy), &command);
-  }
-}
-
 void GraphView::setDefaultSink(const std::string& name) {
   int asked = 0;
   const bool taken = eventually(5, [&] {
@@ -156,8 +123,8 @@ void GraphView::setDefaultSink(const std::string& name) {
                   "{ \"name\": \"" + name + "\" }");
     }
     sync();
-    const auto value = metadata("default", 0, "default.audio.sink");
-    return value && value->find("\"" + name + "\"") != std::string::npos;
+    return metadata("default")["0 default.audio.sink"].find("\"" + name + "\"") !=
+           std::string::npos;
   });
   if (!taken) {
     throw std::runtime_error("the default sink did not become " + name);

@@ -63,7 +63,7 @@ void GraphView::Impl::onNodeInfo(void* data, const pw_node_info* info) {
 }
 
 void GraphView::Impl::onLinkInfo(void* data, const pw_link_info* info) {
-  static_cast<Object*>(data)->link = {info->id, info->output_node_id, info->input_node_id,
+  static_cast<Object*>(data)->link = {info->output_node_id, info->input_node_id,
                                       info->state == PW_LINK_STATE_ACTIVE};
 }
 

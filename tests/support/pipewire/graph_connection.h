@@ -19,6 +19,11 @@ std::uint32_t numberOf(const Properties& properties, const std::string& key);
 /// The connection and the mirror of the server's objects behind a GraphView. Everything with the
 /// loop locked.
 struct GraphView::Impl {
+  struct LinkView {
+    std::uint32_t outputNode = 0;
+    std::uint32_t inputNode = 0;
+    bool isActive = false;
+  };
   /// An object of the server: what is known of it, and its proxy if it is one to watch.
   struct Object {
     std::uint32_t id = 0;

@@ -45,15 +45,6 @@ std::optional<NodeView> GraphView::node(const std::string& name) {
   return std::nullopt;
 }
 
-std::optional<NodeView> GraphView::node(std::uint32_t id) {
-  for (auto& candidate : nodes()) {
-    if (candidate.id == id) {
-      return candidate;
-    }
-  }
-  return std::nullopt;
-}
-
 std::vector<PortView> GraphView::ports(std::uint32_t node) {
   const LoopLock lock(impl_->loop);
   std::vector<PortView> result;
@@ -61,55 +52,22 @@ std::vector<PortView> GraphView::ports(std::uint32_t node) {
     const auto& properties = object->properties;
     if (object->type == PW_TYPE_INTERFACE_Port && numberOf(properties, "node.id") == node) {
       result.push_back({id, node, valueOf(properties, "port.direction") == "in",
-                        valueOf(properties, "port.monitor") == "true",
                         valueOf(properties, "audio.channel")});
     }
   }
   return result;
 }
 
-std::vector<LinkView> GraphView::links() {
-  const LoopLock lock(impl_->loop);
-  std::vector<LinkView> result;
-  for (const auto& [id, object] : impl_->objects) {
-    if (object->type == PW_TYPE_INTERFACE_Link) {
-      result.push_back(object->link);
-    }
-  }
-  return result;
-}
-
 bool GraphView::isLinked(const std::string& from, const std::string& to) {
-  const auto names = targets(from);
-  return std::find(names.begin(), names.end(), to) != names.end();
-}
-
-std::vector<std::string> GraphView::targets(const std::string& name) {
-  std::map<std::uint32_t, std::string> names;
-  for (const auto& candidate : nodes()) {
-    names[candidate.id] = candidate.name();
-  }
-  std::vector<std::string> result;
-  for (const auto& candidate : links()) {
-    const auto& target = names[candidate.inputNode];
-    if (candidate.isActive && names[candidate.outputNode] == name &&
-        std::find(result.begin(), result.end(), target) == result.end()) {
-      result.push_back(target);
-    }
-  }
-  return result;
-}
-
-std::optional<std::string> GraphView::metadata(const std::string& object, std::uint32_t subject,
-                                               const std::string& key) {
   const LoopLock lock(impl_->loop);
-  if (const auto* found = impl_->metadataObject(object)) {
-    const auto value = found->metadata.find({subject, key});
-    if (value != found->metadata.end()) {
-      return value->second;
-    }
-  }
-  return std::nullopt;
+  const auto isNode = [this](std::uint32_t id, const std::string& name) {
+    const auto found = impl_->objects.find(id);
+    return found != impl_->objects.end() && valueOf(found->second->properties, "node.name") == name;
+  };
+  return std::any_of(impl_->objects.begin(), impl_->objects.end(), [&](const auto& entry) {
+    const Impl::LinkView& link = entry.second->link;
+    return link.isActive && isNode(link.outputNode, from) && isNode(link.inputNode, to);
+  });
 }
 
 std::map<std::string, std::string> GraphView::metadata(const std::string& object) {

@@ -24,22 +24,13 @@ struct PortView {
   std::uint32_t id = 0;
   std::uint32_t node = 0;
   bool isInput = false;
-  bool isMonitor = false;
   std::string channel;
-};
-
-struct LinkView {
-  std::uint32_t id = 0;
-  std::uint32_t outputNode = 0;
-  std::uint32_t inputNode = 0;
-  bool isActive = false;
 };
 
 struct SinkOptions {
   std::string name;
   std::string description = {};  ///< empty: the name
   int channels = 2;              ///< 1, 2, 6
-  int rate = 0;                  ///< 0: whatever the graph runs at
   int priority = 900;            ///< as a driver and as a default
 };
 
@@ -60,17 +51,10 @@ class GraphView {
 
   std::vector<NodeView> nodes();
   std::optional<NodeView> node(const std::string& name);
-  std::optional<NodeView> node(std::uint32_t id);
   std::vector<PortView> ports(std::uint32_t node);
-  std::vector<LinkView> links();
   /// Whether an active link leads from a node of the first name to one of the second.
   bool isLinked(const std::string& from, const std::string& to);
-  /// Names of the nodes that a node of that name plays to through links.
-  std::vector<std::string> targets(const std::string& name);
-  /// What the metadata object ("default", "settings") holds; none when nothing.
-  std::optional<std::string> metadata(const std::string& object, std::uint32_t subject,
-                                      const std::string& key);
-  /// All of it, with keys "SUBJECT KEY".
+  /// What the metadata object ("default", "settings") holds, with keys "SUBJECT KEY".
   std::map<std::string, std::string> metadata(const std::string& object);
   bool hasMetadata(const std::string& object);
 
@@ -84,16 +68,10 @@ class GraphView {
   bool sinksAreReady();
   /// Links a port to another, until unlink is called with the result, one of the two goes, or this
   /// object does.
-  int link(std::uint32_t outputPort, std::uint32_t inputPort, bool passive = false);
+  int link(std::uint32_t outputPort, std::uint32_t inputPort);
   void unlink(int link);
   void setMetadata(const std::string& object, std::uint32_t subject, const std::string& key,
                    const std::string& type, const std::string& value);
-  /// Sets the `Props` of a node: its volume on the linear scale and mute.
-  void setVolume(std::uint32_t node, float volume, bool mute);
-
-  /// Suspends a node, as session managers do with idle ones.
-  void suspend(std::uint32_t node);
-
   void setDefaultSink(const std::string& name);
   void forceQuantum(int frames);
 

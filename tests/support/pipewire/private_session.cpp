@@ -5,11 +5,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 #include "support/wait.h"
@@ -25,17 +22,6 @@ const std::map<Daemon, std::string> programs = {{Daemon::bus, "dbus-daemon"},
                                                 {Daemon::sessionManager, "wireplumber"},
                                                 {Daemon::pulse, "pipewire-pulse"}};
 
-void write(const fs::path& path, const std::string& text) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path) << text;
-}
-
-std::string read(const fs::path& path) {
-  std::ostringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
-}
-
 bool accepts(const std::string& path) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -48,24 +34,21 @@ bool accepts(const std::string& path) {
 
 /// The session manager must not take the real cards: two of them would fight over those.
 void writeConfiguration(const fs::path& config) {
-  write(config / "wireplumber/main.lua.d/51-no-hardware.lua",
-        "alsa_monitor.enabled = false\nv4l2_monitor.enabled = false\n"
-        "libcamera_monitor.enabled = false\n");
-  write(config / "wireplumber/bluetooth.lua.d/51-no-hardware.lua",
-        "bluez_monitor.enabled = false\n");
-  write(config / "wireplumber/wireplumber.conf.d/51-no-hardware.conf",
-        "wireplumber.profiles = {\n  main = {\n    hardware.audio = disabled\n"
-        "    hardware.bluetooth = disabled\n    hardware.video-capture = disabled\n  }\n}\n");
+  writeFile(config / "wireplumber/main.lua.d/51-no-hardware.lua",
+            "alsa_monitor.enabled = false\nv4l2_monitor.enabled = false\n"
+            "libcamera_monitor.enabled = false\n");
+  writeFile(config / "wireplumber/bluetooth.lua.d/51-no-hardware.lua",
+            "bluez_monitor.enabled = false\n");
+  writeFile(config / "wireplumber/wireplumber.conf.d/51-no-hardware.conf",
+            "wireplumber.profiles = {\n  main = {\n    hardware.audio = disabled\n"
+            "    hardware.bluetooth = disabled\n    hardware.video-capture = disabled\n  }\n}\n");
+  // Who is at home here has set the program up long ago.
+  writeFile(config / "plemora/settings.json", R"({"didCompleteSetup": true})");
 }
 
 }  // namespace
 
 PrivateSession::PrivateSession() {
-  std::string pattern = (fs::temp_directory_path() / "plemora-rig-XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) {
-    throw std::runtime_error("no temporary directory like " + pattern);
-  }
-  directory_ = pattern;
   const fs::path root = directory_;
   for (const char* folder : {"run", "config", "state", "data", "cache", "home"}) {
     fs::create_directories(root / folder);
@@ -105,8 +88,6 @@ PrivateSession::~PrivateSession() {
       stop(daemon);
     }
   }
-  std::error_code ignored;
-  fs::remove_all(directory_, ignored);
 }
 
 bool PrivateSession::answers(Daemon daemon) {
@@ -203,7 +184,7 @@ std::map<std::string, std::string> PrivateSession::storedState() const {
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(directory_ + "/state")) {
     if (entry.is_regular_file()) {
-      files[entry.path().string()] = read(entry.path());
+      files[entry.path().string()] = readFile(entry.path());
     }
   }
   return files;
@@ -213,7 +194,7 @@ std::string PrivateSession::logs() const {
   std::string text;
   for (const auto& entry : fs::directory_iterator(directory_)) {
     if (entry.path().extension() == ".log") {
-      text += "--- " + entry.path().filename().string() + "\n" + read(entry.path());
+      text += "--- " + entry.path().filename().string() + "\n" + readFile(entry.path());
     }
   }
   return text;

@@ -7,6 +7,7 @@
 
 #include "support/child_process.h"
 #include "support/pipewire/graph_view.h"
+#include "support/temporary_folder.h"
 
 namespace plemora::rig {
 
@@ -62,7 +63,8 @@ class PrivateSession {
  private:
   bool answers(Daemon daemon);
 
-  std::string directory_;
+  TemporaryFolder folder_;
+  std::string directory_ = folder_.path().string();
   std::vector<std::string> environment_;
   std::map<Daemon, std::unique_ptr<ChildProcess>> daemons_;
   std::unique_ptr<GraphView> graph_;
