@@ -22,7 +22,9 @@ const std::vector<Act>& acts() {
   static const std::string fresh = R"("defaults": {"didCompleteSetup": null})";
   static const std::string replaced =
       R"("layout": "replaced", "defaults": {"soundReplaced": true, "tilesRefreshedForBuild": "0"})";
-  static const std::string undone = R"("layout": "fresh", "defaults": {"soundReplaced": true})";
+  static const std::string undone =
+      R"("layout": "fresh", "defaults": {"soundReplaced": true,
+         "tilesRefreshedForBuild": "1-1790000000"})";
   static const std::vector<Act> all = {
       {"FirstStart", fresh, R"({"start": "Plemora"}, {"wait": 2})", 2},
       {"Setup", fresh,
