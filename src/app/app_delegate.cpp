@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <utility>
 
 #include "app/services/launch_at_login.h"
@@ -92,20 +93,8 @@ void AppDelegate::makeOnboarding() {
                          services_.preferences, services_.accessibility, services_.consent,
                          services_.windowList, services_.system, services_.fileDrag,
                          services_.onboardingContents, services_.ownPid});
-  onboarding_->willReplaceSound = [this] {
-    // Without them the next start restarts Control Center and has it show the tiles, if this one
-    // ends before it could.
-    for (const char* key : {tilesRefreshedKey, controlsPrimedKey}) {
-      kept_[key] = services_.menuBar.defaults.string(key);
-      services_.menuBar.defaults.remove(key);
-    }
-  };
-  onboarding_->didNotReplaceSound = [this] {
-    for (const auto& [key, value] : std::exchange(kept_, {})) {
-      if (value) {
-        services_.menuBar.defaults.setString(key, *value);
-      }
-    }
+  onboarding_->replaceSound = [this] {
+    return replaceSound({tilesRefreshedKey, controlsPrimedKey});
   };
   onboarding_->onTilesAddedByHand = [this] {
     services_.menuBar.defaults.setString(tilesRefreshedKey, tileStamp());
@@ -184,17 +173,31 @@ void AppDelegate::prepareControls(std::function<void()> done) {
   });
 }
 
-/// A failure is nobody's to mend; the next start tries again.
-bool AppDelegate::repairReplacement() {
+/// Without those settings the next start restarts Control Center and has it show the tiles, if this
+/// one ends before it could. After a failure they are as they were.
+bool AppDelegate::replaceSound(std::initializer_list<const char*> forgotten) {
   UserDefaults& defaults = services_.menuBar.defaults;
-  const auto stamp = defaults.string(tilesRefreshedKey);
-  defaults.remove(tilesRefreshedKey);  // as in setup
+  std::map<const char*, std::string> kept;
+  for (const char* key : forgotten) {
+    if (const auto value = defaults.string(key)) {
+      kept[key] = *value;
+      defaults.remove(key);
+    }
+  }
   try {
     services_.layout.replaceSound();
+    return true;
   } catch (const std::exception&) {
-    if (stamp) {
-      defaults.setString(tilesRefreshedKey, *stamp);
+    for (const auto& [key, value] : kept) {
+      defaults.setString(key, value);
     }
+    return false;
+  }
+}
+
+/// A failure is nobody's to mend; the next start tries again.
+bool AppDelegate::repairReplacement() {
+  if (!replaceSound({tilesRefreshedKey})) {
     return false;
   }
   hasRestartedControlCenter_ = true;

@@ -2,9 +2,8 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
+#include <initializer_list>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -107,6 +106,7 @@ class AppDelegate {
   void makeDetail();
   void wireSkinAndDetail();
   bool isReplacementWhole() const;
+  bool replaceSound(std::initializer_list<const char*> forgotten);
   bool repairReplacement();
   bool refreshTilesAfterUpdate();
   void primeAfterSystemUpdate();
@@ -131,9 +131,8 @@ class AppDelegate {
   std::unique_ptr<OnboardingController> onboarding_;
   std::unique_ptr<ControlCenterSkin> skin_;
   std::unique_ptr<ControlCenterDetail> detail_;
-  std::map<std::string, std::optional<std::string>> kept_;  // settings, while Sound is replaced
-  bool hasRestartedControlCenter_ = false;                  // a moment ago, in this start-up
-  DelayedWork later_;                                       // the first to go
+  bool hasRestartedControlCenter_ = false;  // a moment ago, in this start-up
+  DelayedWork later_;                       // the first to go
 };
 
 }  // namespace plemora

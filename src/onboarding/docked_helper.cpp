@@ -240,7 +240,7 @@ void DockedHelper::updateControlCenter() {
     isDocked_ = true;
     const Rect frame = controlCenterFrame(panel, isEditing);
     if (frame != panel_->target()) {
-      panel_->spring(frame, 1);
+      panel_->follow(frame);
     }
   }
   const bool hasToOpen = !panel && !isEditing && !state.succeeded.get();

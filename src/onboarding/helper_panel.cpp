@@ -88,6 +88,14 @@ void HelperPanel::retarget(const Rect& frame) {
   spring_->retarget(frame);
 }
 
+void HelperPanel::follow(const Rect& frame) {
+  if (spring_->isRunning()) {
+    retarget(frame);
+  } else {
+    spring(frame, 1);
+  }
+}
+
 void HelperPanel::fade(bool isFaded) {
   if (isFaded_ == isFaded) {
     return;

@@ -41,6 +41,8 @@ class HelperPanel {
   void vanish(const Rect& frame, std::function<void()> completion);
   /// Follows: see WindowSpring::retarget().
   void retarget(const Rect& frame);
+  /// As retarget() while it is on its way; from rest it springs there.
+  void follow(const Rect& frame);
   /// Fades it away where it is or is going, or back; faded it takes no clicks.
   void fade(bool isFaded);
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <utility>
 
 #include "audio/mixer_model.h"
+#include "controlcenter/control_center_layout.h"
 #include "menubar/status_item_controller.h"
 #include "onboarding/onboarding_guides.h"
 #include "onboarding/setup_page.h"
@@ -19,6 +21,7 @@ OnboardingController::OnboardingController(MixerModel& model, StatusItemControll
       onAccessibility([this] { startAccessibility(); }),
       onControlCenter([this] { startControlCenter(); }),
       onSoundIcon([this] { startSoundIcon(); }),
+      replaceSound([this] { return replaceByLayout(); }),
       model_(model),
       statusItem_(statusItem),
       services_(std::move(services)),
@@ -30,6 +33,15 @@ OnboardingController::OnboardingController(MixerModel& model, StatusItemControll
 }
 
 OnboardingController::~OnboardingController() = default;
+
+bool OnboardingController::replaceByLayout() {
+  try {
+    services_.layout.replaceSound();
+    return true;
+  } catch (const std::exception&) {
+    return false;
+  }
+}
 
 void OnboardingController::makeWindow() {
   window_ = std::make_unique<SetupWindow>(services_.menuBar, view_, services_.contents.makeSetup);

@@ -58,10 +58,8 @@ class OnboardingController {
   std::function<void()> onControlCenter;
   std::function<void()> onSoundIcon;
 
-  /// Sound is about to be replaced. May be empty.
-  std::function<void()> willReplaceSound;
-  /// It could not be. May be empty.
-  std::function<void()> didNotReplaceSound;
+  /// Replaces Sound; false: that failed, and nothing has changed. At first the layout's own.
+  std::function<bool()> replaceSound;
   /// The user has put the program's tiles into Control Center, in its edit mode. May be empty.
   std::function<void()> onTilesAddedByHand;
   /// Setup has ended with everything done. May be empty.
@@ -114,6 +112,7 @@ class OnboardingController {
  private:
   struct Guides;
 
+  bool replaceByLayout();
   void wireView();
   void observeState();
   void updatePage();

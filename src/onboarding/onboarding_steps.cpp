@@ -1,10 +1,8 @@
 #include <algorithm>
 #include <array>
-#include <exception>
 
 #include "audio/audio_permission.h"
 #include "audio/mixer_model.h"
-#include "controlcenter/control_center_layout.h"
 #include "onboarding/onboarding_controller.h"
 #include "onboarding/onboarding_guides.h"
 #include "platform/accessibility.h"
@@ -80,15 +78,7 @@ void OnboardingController::startControlCenter() {
   }
   oldControlCenters_ = facts_.controlCenters();
   isControlCenterLate_ = false;
-  if (willReplaceSound) {
-    willReplaceSound();
-  }
-  try {
-    services_.layout.replaceSound();
-  } catch (const std::exception&) {
-    if (didNotReplaceSound) {
-      didNotReplaceSound();
-    }
+  if (!replaceSound()) {
     // What the program cannot do the user can.
     startGuidedControlCenter();
     return;
