@@ -73,7 +73,7 @@ TEST(RealTimeThread, NeitherAllocatesNorLocksNorWrites) {
   rig.setGraph(graph);
   const auto tone = rig.play({.signal = Signal::constant(0.25), .streams = 2});
   const auto other = rig.play({.name = "other", .signal = Signal::constant(0.125)});
-  SinkRecorder recorder(rig.session, "first", 40);
+  SinkRecorder recorder(rig.session, "first");
   auto tap = rig.tap(*tone, 0.5f);
   ASSERT_TRUE(tap);
   ASSERT_TRUE(rig.hears(recorder, 0.375f));

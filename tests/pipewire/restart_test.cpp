@@ -35,7 +35,7 @@ class Restart : public testing::Test {
   }
 
   /// A recorder of its own: it must not outlive what it records.
-  bool hears(const std::string& sink, float value, double seconds = 5) {
+  bool hears(const std::string& sink, float value, double seconds = 10) {
     SinkRecorder recorder(session, sink);
     float last = 0;
     const bool heard = eventually(seconds, [&] {

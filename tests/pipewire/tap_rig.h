@@ -51,7 +51,7 @@ class TapRig {
   std::unique_ptr<TonePlayer> play(const ToneOptions& options, const std::string& sink = "first");
 
   /// Waits until the last frame of what the recorder hears on channel 0 has that value.
-  bool hears(SinkRecorder& recorder, float value, double seconds = 5);
+  bool hears(SinkRecorder& recorder, float value, double seconds = 10);
 
   PipeWireAudio& audio() { return *audio_; }
 

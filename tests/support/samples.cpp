@@ -102,6 +102,11 @@ double peak(std::span<const float> samples) {
   return largest;
 }
 
+bool isConstant(std::span<const float> samples, float value) {
+  return std::all_of(samples.begin(), samples.end(),
+                     [value](float sample) { return sample == value; });
+}
+
 double rms(std::span<const float> samples) {
   double sum = 0;
   for (const float sample : samples) {

@@ -43,6 +43,7 @@ std::int64_t identityFrame(float sample, unsigned channel, double gain = 1);
 using Channel = std::vector<float>;
 
 double peak(std::span<const float> samples);
+bool isConstant(std::span<const float> samples, float value);
 double rms(std::span<const float> samples);
 /// The largest difference of two neighbouring samples.
 double largestStep(std::span<const float> samples);

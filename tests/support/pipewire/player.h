@@ -51,7 +51,7 @@ class TonePlayer {
   void resume(int stream = 0);
 
   /// Waits until the stream is in the state ("streaming", "paused", "unconnected").
-  bool waitFor(int stream, const std::string& state, double seconds = 5);
+  bool waitFor(int stream, const std::string& state, double seconds = 10);
   bool waitUntilStreaming();
 
  private:

@@ -48,9 +48,9 @@ class PrivateSession {
   GraphView& graph() { return *graph_; }
 
   /// Waits until a node of that name is in the state; false when it does not get there.
-  bool waitForState(const std::string& node, const std::string& state, double seconds = 5);
+  bool waitForState(const std::string& node, const std::string& state, double seconds = 10);
   /// Waits until active links lead from a node of the first name to one of the second.
-  bool waitForLink(const std::string& from, const std::string& to, double seconds = 5);
+  bool waitForLink(const std::string& from, const std::string& to, double seconds = 10);
 
   /// Two stereo sinks "first" (the default) and "second", quantum as given.
   void createSinks(int quantum = 1024);

@@ -46,7 +46,7 @@ class ProgramUnderTest {
 
   std::vector<AppRow> apps();
   /// Waits for a row of the app of that name or id that plays; none when there is none in time.
-  std::optional<AppRow> waitForApp(const std::string& name, double seconds = 5);
+  std::optional<AppRow> waitForApp(const std::string& name, double seconds = 10);
 
   /// What the kernel says of the process: open files, threads, resident KiB, and how often its
   /// threads went to sleep by themselves so far.

@@ -18,7 +18,8 @@ namespace plemora::rig {
 
 namespace {
 
-constexpr std::size_t maximumRate = 48000;
+constexpr std::size_t capacity = std::size_t{240} * 48000;  // frames
+constexpr double longestTry = 20;                           // seconds
 
 /// Where a channel stands in a stream of several.
 std::size_t placeOf(const std::string& channel) {
@@ -41,7 +42,7 @@ struct SinkRecorder::Impl {
   std::vector<void*> ports;
 
   // Written by the data thread. A frame count is published after its samples.
-  std::vector<Channel> samples;
+  std::vector<std::unique_ptr<float[]>> samples;
   std::atomic<std::size_t> count{0};
   std::atomic<int> gaps{0};
   std::atomic<bool> isComplete{false};  // the last cycle brought every channel
@@ -55,7 +56,7 @@ struct SinkRecorder::Impl {
     const auto& clock = position->clock;
     const auto frames = static_cast<std::uint32_t>(clock.duration);
     const std::size_t at = self->count.load(std::memory_order_relaxed);
-    if (at + frames > self->samples[0].size()) {
+    if (at + frames > capacity) {
       return;
     }
     const std::uint64_t expected = self->expected.load(std::memory_order_relaxed);
@@ -67,7 +68,7 @@ struct SinkRecorder::Impl {
     self->rate.store(clock.rate.denom, std::memory_order_relaxed);
     bool complete = true;
     for (std::size_t channel = 0; channel < self->ports.size(); ++channel) {
-      float* to = self->samples[channel].data() + at;
+      float* to = self->samples[channel].get() + at;
       if (const void* from = pw_filter_get_dsp_buffer(self->ports[channel], frames)) {
         std::memcpy(to, from, frames * sizeof(float));
       } else {
@@ -80,7 +81,7 @@ struct SinkRecorder::Impl {
   }
 };
 
-SinkRecorder::SinkRecorder(PrivateSession& session, const std::string& sink, double capacitySeconds)
+SinkRecorder::SinkRecorder(PrivateSession& session, const std::string& sink)
     : impl_(std::make_unique<Impl>(session, sink)) {
   static const pw_filter_events events = {.version = PW_VERSION_FILTER_EVENTS,
                                           .destroy = nullptr,
@@ -108,8 +109,10 @@ SinkRecorder::SinkRecorder(PrivateSession& session, const std::string& sink, dou
   std::sort(impl_->channels.begin(), impl_->channels.end(),
             [](const auto& a, const auto& b) { return placeOf(a) < placeOf(b); });
   pw_init(nullptr, nullptr);
-  impl_->samples.assign(channels.size(),
-                        Channel(static_cast<std::size_t>(capacitySeconds * maximumRate)));
+  for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+    // Memory that is not written to costs nothing.
+    impl_->samples.push_back(std::make_unique_for_overwrite<float[]>(capacity));
+  }
   impl_->loop = pw_thread_loop_new("rig-recorder", nullptr);
   const std::string socket = session.socket();
   impl_->filter = pw_filter_new_simple(
@@ -142,7 +145,7 @@ void SinkRecorder::attach() {
   auto& graph = impl_->session.graph();
   std::map<std::string, std::uint32_t> inputs;
   std::map<std::string, std::uint32_t> outputs;
-  const bool ready = eventually(5, [&] {
+  const bool ready = eventually(10, [&] {
     graph.sync();
     inputs.clear();
     outputs.clear();
@@ -202,8 +205,8 @@ Recording SinkRecorder::take() {
   result.position = impl_->origin.load(std::memory_order_relaxed) + impl_->start;
   result.gaps = impl_->gaps.load(std::memory_order_relaxed);
   for (const auto& channel : impl_->samples) {
-    const auto begin = channel.begin() + static_cast<std::ptrdiff_t>(impl_->start);
-    result.channels.emplace_back(begin, begin + static_cast<std::ptrdiff_t>(result.frames));
+    const float* begin = channel.get() + impl_->start;
+    result.channels.emplace_back(begin, begin + result.frames);
   }
   return result;
 }
@@ -214,6 +217,16 @@ Recording SinkRecorder::next(std::size_t frames) {
     throw std::runtime_error("the sink " + impl_->sink + " stopped while it was recorded");
   }
   return take();
+}
+
+Recording SinkRecorder::nextThat(std::size_t frames,
+                                 const std::function<bool(const Recording&)>& isRight) {
+  Recording heard;
+  eventually(longestTry, [&] {
+    heard = next(frames);
+    return isRight(heard);
+  });
+  return heard;
 }
 
 unsigned SinkRecorder::rate() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,7 +28,7 @@ struct Recording {
 class SinkRecorder {
  public:
   /// Waits until the first cycle has been recorded. Throws std::runtime_error when none comes.
-  SinkRecorder(PrivateSession& session, const std::string& sink, double capacitySeconds = 60);
+  SinkRecorder(PrivateSession& session, const std::string& sink);
   ~SinkRecorder();
   SinkRecorder(const SinkRecorder&) = delete;
   SinkRecorder& operator=(const SinkRecorder&) = delete;
@@ -37,7 +38,8 @@ class SinkRecorder {
 
   /// Frames recorded so far.
   std::size_t frames() const;
-  /// The next recording starts here. The capacity is for all recordings of this object together.
+  /// The next recording starts here. All recordings of this object together last at most four
+  /// minutes.
   void clear();
   /// Waits for that many frames more than now; false when they do not come in three times the
   /// time that they take plus 2 s.
@@ -46,6 +48,10 @@ class SinkRecorder {
   Recording take();
   /// clear, record, take. Throws std::runtime_error when the frames do not come.
   Recording next(std::size_t frames);
+  /// Recordings of that many frames, one after the other, until one is as it should be: that one,
+  /// or the last. A busy machine makes clients of the sound server miss cycles, which says nothing
+  /// of what the others hold; what is wrong for good is wrong in each.
+  Recording nextThat(std::size_t frames, const std::function<bool(const Recording&)>& isRight);
   unsigned rate() const;
 
  private:
