@@ -51,8 +51,9 @@ class ControlCenterSkin {
   /// That press has been let go.
   ModuleCallback onOpenDetail;
 
-  bool isSuppressed = false;   ///< while set, tick() does nothing
-  bool showInstantly = false;  ///< the next show does not fade in; cleared by it
+  bool isSuppressed = false;  ///< while set, tick() does nothing
+  /// The next show does not fade in; cleared by it, and once there is nothing to show it over.
+  bool showInstantly = false;
 
   bool isShowing() const { return isShowing_; }
   /// Media time in seconds when the pointer last pressed the module, or let go anywhere while it
@@ -77,6 +78,9 @@ class ControlCenterSkin {
   enum class DragKind { none, slider, detailPress };
 
   void followOutputs();
+  void showVolume();
+  void holdVolume();
+  void letVolumeGo();
 
   void housekeep();
   void observe(std::int32_t pid);
@@ -130,6 +134,8 @@ class ControlCenterSkin {
   std::optional<std::size_t> hoveredPill_;
 
   DragKind drag_ = DragKind::none;
+  bool holdsVolume_ = false;  // a drag has set it
+  Timer volumeAnswer_;        // until then what the device says may be older than that
   double lastHandledPress_ = -std::numeric_limits<double>::infinity();
   bool wasEditing_ = false;
   bool isClosing_ = false;

@@ -132,6 +132,13 @@ TEST_F(ControlCenterSkinTest, FadesInAfterAMomentOrShowsAtOnce) {
   EXPECT_EQ(alpha(), 1);
   EXPECT_FALSE(skin->showInstantly);
   EXPECT_EQ(windows.made(), 1);
+
+  closePanel();
+  skin->showInstantly = true;
+  tick();
+  setPanel(1);
+  tick();
+  EXPECT_EQ(alpha(), 0) << "that was meant for a panel that did not come";
 }
 
 TEST_F(ControlCenterSkinTest, ClosesWithControlCenter) {
