@@ -14,12 +14,6 @@ constexpr Logger logger("pipewire");
 
 }  // namespace
 
-// Lives in memory of the library that goes with its port.
-struct CorrectionFilter::Port {
-  std::uint64_t cycle;  ///< that buffer belongs to
-  float* buffer;
-};
-
 SinkLayout sinkLayout(const GraphMirror& mirror, std::uint32_t nodeId) {
   std::vector<std::pair<std::uint32_t, std::uint32_t>> found;
   for (const auto& [id, port] : mirror.ports()) {
@@ -98,17 +92,14 @@ void CorrectionFilter::fail(const char* what) {
 // real-time thread walks.
 void CorrectionFilter::addPorts() {
   const auto add = [this](pw_direction direction, const std::string& name) {
-    auto* port = static_cast<Port*>(
-        pw_filter_add_port(filter_.get(), direction, PW_FILTER_PORT_FLAG_MAP_BUFFERS, sizeof(Port),
-                           pw_properties_new(PW_KEY_FORMAT_DSP, "32 bit float mono audio",
-                                             PW_KEY_PORT_NAME, name.c_str(), nullptr),
-                           nullptr, 0));
-    if (port != nullptr) {
-      *port = Port{~std::uint64_t{0}, nullptr};
-    } else {
+    void* port = pw_filter_add_port(filter_.get(), direction, PW_FILTER_PORT_FLAG_MAP_BUFFERS, 0,
+                                    pw_properties_new(PW_KEY_FORMAT_DSP, "32 bit float mono audio",
+                                                      PW_KEY_PORT_NAME, name.c_str(), nullptr),
+                                    nullptr, 0);
+    if (port == nullptr) {
       fail("has too many ports");
     }
-    return port;
+    return Port{port};
   };
   for (std::uint32_t slot = 0; slot < slotCount_; ++slot) {
     for (std::uint32_t channel = 0; channel < slotChannels_; ++channel) {
@@ -194,25 +185,22 @@ void CorrectionFilter::install(CorrectionPlan plan) {
   loop_.onDataThread([this, &plan] { std::swap(plan_, plan); });
 }
 
-const float* CorrectionFilter::input(std::uint32_t index) {
-  Port* port = inputs_[index];
+float* CorrectionFilter::bufferOf(Port& port) {
   // The library hands out a port's buffer once a cycle.
   const std::uint64_t cycle = cycles_.load(std::memory_order_relaxed);
-  if (port->cycle != cycle) {
-    port->cycle = cycle;
-    port->buffer = static_cast<float*>(pw_filter_get_dsp_buffer(port, frames_));
+  if (port.cycle != cycle) {
+    port.cycle = cycle;
+    port.buffer = static_cast<float*>(pw_filter_get_dsp_buffer(port.data, frames_));
   }
-  return port->buffer;
+  return port.buffer;
+}
+
+const float* CorrectionFilter::input(std::uint32_t port) {
+  return bufferOf(inputs_[port]);
 }
 
 float* CorrectionFilter::output(std::uint32_t group, std::uint32_t channel) {
-  Port* port = outputs_[group][channel];
-  const std::uint64_t cycle = cycles_.load(std::memory_order_relaxed);
-  if (port->cycle != cycle) {
-    port->cycle = cycle;
-    port->buffer = static_cast<float*>(pw_filter_get_dsp_buffer(port, frames_));
-  }
-  return port->buffer;
+  return bufferOf(outputs_[group][channel]);
 }
 
 void CorrectionFilter::process(std::uint64_t cycle, std::uint32_t frames) {

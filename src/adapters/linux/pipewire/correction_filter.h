@@ -66,8 +66,15 @@ class CorrectionFilter : private CorrectionPorts {
   std::uint64_t cycles() const { return cycles_.load(std::memory_order_relaxed); }
 
  private:
-  struct Port;
+  /// Beside each other rather than in the memory that the library keeps for each port: the
+  /// real-time thread asks all of them in each cycle.
+  struct Port {
+    void* data = nullptr;                     ///< by which the library knows it
+    std::uint64_t cycle = ~std::uint64_t{0};  ///< that buffer belongs to
+    float* buffer = nullptr;
+  };
 
+  float* bufferOf(Port& port);
   const float* input(std::uint32_t port) override;
   float* output(std::uint32_t group, std::uint32_t channel) override;
   void process(std::uint64_t cycle, std::uint32_t frames);
@@ -91,8 +98,8 @@ class CorrectionFilter : private CorrectionPorts {
   // Used by the real-time thread.
   CorrectionPlan plan_;
   std::uint32_t frames_ = 0;
-  std::vector<Port*> inputs_;
-  std::vector<std::vector<Port*>> outputs_;
+  std::vector<Port> inputs_;
+  std::vector<std::vector<Port>> outputs_;
   std::atomic<std::uint64_t> cycles_ = 0;
 
   struct DestroyFilter {

@@ -12,6 +12,18 @@ namespace {
 
 constexpr std::uint32_t maxGroups = 8;
 
+constexpr std::size_t cacheLine = 64;
+
+/// Of each channel this much is fetched ahead; for what follows the processor sees the pattern.
+constexpr std::size_t fetchedBytes = 4096;
+
+void fetch(const void* from, std::size_t bytes) {
+  const auto* const first = static_cast<const char*>(from);
+  for (std::size_t offset = 0; offset < bytes; offset += cacheLine) {
+    __builtin_prefetch(first + offset);
+  }
+}
+
 // The outputs of one cycle: the first writer of a channel stores, later ones add.
 class Outputs {
  public:
@@ -119,23 +131,40 @@ class TapCycle {
         scratch_(scratch),
         outputs_(outputs) {}
 
+  /// Between two cycles other programs have the caches: all of a tap has to come from afar again,
+  /// and its samples from the core of the app. It is on its way while the taps before are rendered.
+  static void fetchSlots(const CorrectionTap& tap) {
+    fetch(tap.block, sizeof(*tap.block));
+    for (const CorrectionSlot* slot : tap.slots) {
+      fetch(slot, sizeof(*slot));
+    }
+  }
+  void fetchSamples(const CorrectionTap& tap) {
+    const std::size_t bytes = std::min(frames_ * sizeof(float), fetchedBytes);
+    for (const CorrectionSlot* slot : tap.slots) {
+      for (std::uint32_t c = 0; c < std::min(slot->channels, maxCorrectionChannels); ++c) {
+        if (const float* samples = portInput(*slot, c)) {
+          fetch(samples, bytes);
+        }
+      }
+    }
+  }
+
   void render(const CorrectionTap& tap) {
     collectInput(tap);
     if (channels_ == 0) {
       return;
     }
     const std::uint32_t outChannels = outputs_.channels(tap.group);
-    std::array<AudioBuffer, maxCorrectionChannels> in;
-    std::array<AudioBuffer, maxCorrectionChannels> out;
     const std::uint32_t bytes = frames_ * static_cast<std::uint32_t>(sizeof(float));
     for (std::uint32_t c = 0; c < channels_; ++c) {
       // The buffers of an input list are read only, the type of the list cannot say so.
-      in[c] = {1, bytes, const_cast<float*>(input_[c])};
+      inList_[c] = {1, bytes, const_cast<float*>(input_[c])};
     }
     for (std::uint32_t c = 0; c < outChannels; ++c) {
-      out[c] = {1, bytes, scratch_.output(c)};
+      outList_[c] = {1, bytes, scratch_.output(c)};
     }
-    (*tap.block)({in.data(), channels_}, {out.data(), outChannels});
+    (*tap.block)({inList_.data(), channels_}, {outList_.data(), outChannels});
     addOutput(tap, outChannels);
   }
 
@@ -274,6 +303,8 @@ class TapCycle {
   std::uint32_t channels_ = 0;
   const CorrectionSlot* single_ = nullptr;
   std::array<const float*, maxCorrectionChannels> input_{};
+  std::array<AudioBuffer, maxCorrectionChannels> inList_;
+  std::array<AudioBuffer, maxCorrectionChannels> outList_;
   std::array<Share, 256> share_;
   std::size_t shares_ = 0;
 };
@@ -281,7 +312,6 @@ class TapCycle {
 }  // namespace
 
 CorrectionScratch::CorrectionScratch() : silence_(maxFrames, 0.0f) {
-  constexpr std::size_t cacheLine = 64;
   constexpr std::size_t count = std::size_t{2} * maxCorrectionChannels * stride;
   std::size_t room = count * sizeof(float) + cacheLine;
   samples_ = std::make_unique_for_overwrite<float[]>(room / sizeof(float));
@@ -296,8 +326,17 @@ void renderCorrections(const CorrectionPlan& plan, const std::vector<std::uint32
     const std::uint32_t piece = std::min(frames - offset, CorrectionScratch::maxFrames);
     Outputs outputs(groupChannels, piece, offset, ports);
     TapCycle taps(cycle, piece, offset, ports, scratch, outputs);
-    for (const CorrectionTap& tap : plan) {
-      taps.render(tap);
+    for (std::size_t i = 0; i < plan.size(); ++i) {
+      if (i + 3 < plan.size()) {
+        fetch(plan[i + 3].slots.data(), cacheLine);
+      }
+      if (i + 2 < plan.size()) {
+        TapCycle::fetchSlots(plan[i + 2]);
+      }
+      if (i + 1 < plan.size()) {
+        taps.fetchSamples(plan[i + 1]);
+      }
+      taps.render(plan[i]);
     }
     outputs.clearUnwritten();
   }
