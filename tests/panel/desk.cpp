@@ -142,9 +142,10 @@ std::string Desk::settings() const {
   return text.str();
 }
 
-void Desk::startProgram(bool isService) {
-  plemora_ = std::make_unique<ProgramUnderTest>(
-      session_, std::vector<std::string>{}, isService ? std::vector<std::string>{} : environment());
+void Desk::startProgram(bool isService, const std::vector<std::string>& more) {
+  auto variables = isService ? std::vector<std::string>{} : environment();
+  variables.insert(variables.end(), more.begin(), more.end());
+  plemora_ = std::make_unique<ProgramUnderTest>(session_, std::vector<std::string>{}, variables);
   reader_ = std::make_unique<ChildProcess>(
       ChildOptions{{PLEMORA_SCREEN_READER, std::to_string(plemora_->process().pid())},
                    environment(),

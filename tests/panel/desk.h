@@ -68,8 +68,8 @@ class Desk {
     return session_.directory() + "/config/plemora/settings.json";
   }
 
-  /// isService: without a window, so that start() over it brings one.
-  void startProgram(bool isService = false);
+  /// isService: without a window, so that start() over it brings one. more: of the environment.
+  void startProgram(bool isService = false, const std::vector<std::string>& more = {});
   /// Starts the program, and kills it that many seconds later.
   void startAndKill(double seconds);
   /// One more start; its exit status.

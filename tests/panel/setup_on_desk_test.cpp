@@ -75,6 +75,38 @@ TEST_F(SetupOnDesk, LeadsToThePanelByKeys) {
   EXPECT_FALSE(startsAtLogin());
 }
 
+TEST_F(SetupOnDesk, IsReadOutAndPressedByAScreenReader) {
+  desk.startProgram();
+  const struct {
+    const char* name;
+    const char* role;
+    const char* description;  ///< its beginning
+  } cases[] = {
+      {"Set Up Plemora", "frame", ""},
+      {"Set Up Plemora", "heading", ""},
+      {"Allow audio access", "panel", "Done. Lets Plemora turn each app"},
+      {"Start at login", "panel", "Ready. Keeps every app at its volume"},
+      {"Turn On: Start at login", "push button", ""},
+      {"Not Now", "push button", ""},
+      {"Finish Later", "push button", ""},
+  };
+  for (const auto& one : cases) {
+    EXPECT_THAT(desk.control(one.name, one.role).description, testing::StartsWith(one.description));
+  }
+  const QRect window = desk.control("Set Up Plemora", "frame").frame;
+  for (const Control& control : desk.controls()) {
+    EXPECT_TRUE(!control.is("showing") || window.contains(control.frame)) << control.name;
+    EXPECT_FALSE(control.is("showing") && control.role == "push button" && control.name.empty());
+  }
+
+  EXPECT_TRUE(desk.act("Press", "Turn On: Start at login"));
+  EXPECT_TRUE(desk.shows("You're all set"));
+  EXPECT_TRUE(startsAtLogin());
+  EXPECT_TRUE(isSetting("didCompleteSetup"));
+  EXPECT_TRUE(desk.act("Press", "Show Me"));
+  EXPECT_TRUE(desk.restsUnderIcon(313));
+}
+
 TEST_F(SetupOnDesk, LeavesOtherWaysInOpenAndComesBackUntilItIsDone) {
   desk.startProgram();
   ASSERT_TRUE(desk.shows("Finish Later"));

@@ -1,4 +1,5 @@
-// The service that is joined by its panel later on, and ended with that open.
+// The service that is joined by its panel later on, and ended with that open; the end that log-out
+// brings.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cstdio>
 
 #include "panel/desk.h"
+#include "panel/session_manager.h"
 
 namespace plemora::rig {
 namespace {
@@ -51,6 +53,32 @@ TEST(Starts, ServiceIsJoinedByItsPanelWithoutASound) {
       return;
     }
     std::printf("disturbed: %d cycles missed\n", heard.gaps);
+  }
+}
+
+TEST(LogOut, EndsItInOrderWhateverIsOpen) {
+  for (const bool isFirstStart : {false, true}) {
+    SessionManager manager;
+    Desk desk({.name = "Left", .isFirstStart = isFirstStart});
+    desk.startProgram(false, {manager.variable()});
+    ASSERT_TRUE(manager.hasClient()) << desk.session().logs();
+    SinkRecorder first(desk.session(), "first");
+    const auto tone = desk.play("tone", Signal::constant(0.5));
+    desk.plemora().must({"mute", "tone"});
+    ASSERT_TRUE(hears(first, 0));
+    if (isFirstStart) {
+      ASSERT_TRUE(desk.shows("Finish Later"));
+    } else {
+      ASSERT_EQ(desk.startAgain(), 0);
+      ASSERT_TRUE(desk.opens());
+    }
+
+    manager.logOut();
+    EXPECT_TRUE(manager.hasToldToEnd()) << "it holds up the end of the session";
+    EXPECT_EQ(desk.plemora().process().wait(5), 0);
+    EXPECT_TRUE(hears(first, 0.5)) << "back on its usual path";
+    EXPECT_THAT(desk.settings(), testing::HasSubstr("tone")) << "the mute is kept";
+    EXPECT_FALSE(manager.isToBeRestarted()) << "it has its login item for that";
   }
 }
 
