@@ -59,6 +59,7 @@ struct ScenarioControlCenter {
   std::optional<bool> ignoresEditButton;
   std::optional<double> relaunchDelay;  ///< from its end to its return
   std::optional<bool> staysDown;        ///< once ended, it is not started again
+  std::optional<double> tileGap;        ///< points between two tiles of a row
 };
 
 /// The state of the world, or what changes about it; what is none stays as it is.

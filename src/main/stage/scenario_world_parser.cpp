@@ -39,8 +39,8 @@ std::vector<Item> readList(const ScenarioPart& part, Item (*read)(const Scenario
 }
 
 ScenarioControlCenter readControlCenter(const ScenarioPart& part) {
-  part.allow(
-      {"opens after", "edits after", "ignores edit button", "comes back after", "stays down"});
+  part.allow({"opens after", "edits after", "ignores edit button", "comes back after", "stays down",
+              "tiles apart"});
   ScenarioControlCenter center;
   const auto delay = [](const ScenarioPart& seconds) { return seconds.number(0, 3600); };
   const auto flag = [](const ScenarioPart& value) { return value.flag(); };
@@ -49,6 +49,8 @@ ScenarioControlCenter readControlCenter(const ScenarioPart& part) {
   part.read("comes back after", center.relaunchDelay, delay);
   part.read("ignores edit button", center.ignoresEditButton, flag);
   part.read("stays down", center.staysDown, flag);
+  part.read("tiles apart", center.tileGap,
+            [](const ScenarioPart& points) { return points.number(0, 40); });
   return center;
 }
 

@@ -255,6 +255,7 @@ void StageWorld::apply(const ScenarioWorld& world) {
   faulty.ignoresEditButton =
       world.controlCenter.ignoresEditButton.value_or(faulty.ignoresEditButton);
   faulty.staysDown = world.controlCenter.staysDown.value_or(faulty.staysDown);
+  faulty.tileGap = world.controlCenter.tileGap.value_or(faulty.tileGap);
   for (const auto& [key, value] : world.defaults) {
     if (const bool* flag = std::get_if<bool>(&value)) {
       desktop.defaults.setBoolean(key, *flag);

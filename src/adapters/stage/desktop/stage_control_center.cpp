@@ -332,7 +332,9 @@ double StageControlCenter::alpha() const {
 }
 
 StageControlPanel StageControlCenter::panel() const {
-  return StageControlPanel::place(space_.main(), services_.menuBar.height(), grid_.rows());
+  auto panel = StageControlPanel::place(space_.main(), services_.menuBar.height(), grid_.rows());
+  panel.tileGap = faults.tileGap;
+  return panel;
 }
 
 }  // namespace plemora

@@ -47,6 +47,7 @@ struct StageControlCenterFaults {
   bool ignoresEditButton = false;
   bool staysDown = false;    ///< once ended, it is not started again
   double relaunchDelay = 1;  ///< from its end to its next start
+  double tileGap = StageControlPanel::pitch - StageControlPanel::cell;  ///< points, in a row
 };
 
 /// The system's Control Center: a process that reads its layout when it starts, shows it in a panel

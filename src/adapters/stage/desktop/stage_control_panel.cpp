@@ -20,11 +20,10 @@ StageControlPanel StageControlPanel::place(const Rect& screen, double menuBarHei
 }
 
 Rect StageControlPanel::tile(const StageTile& tile) const {
-  const double gap = pitch - cell;
-  const double tileHeight = tile.size.rows * pitch - gap;
+  const double tileHeight = tile.size.rows * pitch - (pitch - cell);
   return {panel.minX() + padding + tile.column * pitch,
-          panel.maxY() - padding - tile.row * pitch - tileHeight, tile.size.columns * pitch - gap,
-          tileHeight};
+          panel.maxY() - padding - tile.row * pitch - tileHeight,
+          tile.size.columns * pitch - tileGap, tileHeight};
 }
 
 Rect StageControlPanel::slider(const Rect& tile, const SliderRoom& room) {

@@ -18,9 +18,10 @@ struct StageControlPanel {
   static constexpr double buttonHeight = 28;
   static constexpr int minimumRows = 3;
 
-  Rect window;      ///< reaches the top of the screen
-  Rect panel;       ///< what is to be seen of it, below the menu bar
-  Rect editButton;  ///< at the bottom
+  Rect window;                    ///< reaches the top of the screen
+  Rect panel;                     ///< what is to be seen of it, below the menu bar
+  Rect editButton;                ///< at the bottom
+  double tileGap = pitch - cell;  ///< between two tiles of a row
 
   static StageControlPanel place(const Rect& screen, double menuBarHeight, int rows);
 
