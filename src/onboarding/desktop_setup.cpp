@@ -1,21 +1,15 @@
 #include "onboarding/desktop_setup.h"
 
-#include <cmath>
 #include <utility>
 
 #include "app/services/launch_at_login.h"
 #include "onboarding/setup_page.h"
-#include "platform/application.h"
 #include "platform/login_item.h"
-#include "platform/screens.h"
 #include "platform/user_defaults.h"
 
 namespace plemora {
 
 namespace {
-
-constexpr double usualWidth = 480;  // points
-constexpr double usualHeight = 460;
 
 const std::string audioId = "audio";
 const std::string loginItemId = "loginItem";
@@ -38,7 +32,9 @@ bool isSet(UserDefaults& defaults, const char* key) {
 }  // namespace
 
 DesktopSetup::DesktopSetup(DesktopSetupServices services)
-    : services_(std::move(services)), permission_(services_.consent, services_.mainQueue) {
+    : services_(std::move(services)),
+      permission_(services_.consent, services_.menuBar.mainQueue),
+      window_(services_.menuBar, view_, services_.makeContent, SetupGround::none) {
   // There is nobody to ask for trust, no Control Center, and no icon of the system's to hide.
   state_.supportsControlCenter.set(false);
   for (const SetupStep step :
@@ -66,83 +62,35 @@ DesktopSetup::DesktopSetup(DesktopSetupServices services)
     }
   };
   view_.onFinish = [this] { finish(); };
+  window_.windowWillClose = [this] { poll_.reset(); };
 }
 
 DesktopSetup::~DesktopSetup() = default;
 
 bool DesktopSetup::wasCompleted() const {
-  return isSet(services_.defaults, completeKey);
-}
-
-bool DesktopSetup::isShown() const {
-  return window_ && window_->isOnScreen();
+  return isSet(services_.menuBar.defaults, completeKey);
 }
 
 bool DesktopSetup::show() {
   if (!isShown()) {
-    letGo_.reset();
     // Who opens it again wants to see again what was put aside before.
-    isLoginItemSkipped_ = !wasCompleted() && isSet(services_.defaults, skippedLoginItemKey);
+    isLoginItemSkipped_ = !wasCompleted() && isSet(services_.menuBar.defaults, skippedLoginItemKey);
     trayIcon_ = StepStatus::pending;
     isTrayIconHidden_ = false;
     loginItemProblem_.clear();
     refresh();
-    if (!window_ && !makeWindow()) {
-      return false;
-    }
-    content_->setVisible(true);
-    poll_ = services_.mainQueue.every(pollInterval, [this] { refresh(); });
+    poll_ = services_.menuBar.mainQueue.every(pollInterval, [this] { refresh(); });
   }
-  window_->order(WindowOrder::keyAndFront);
-  services_.application.activate();
-  return true;
+  const bool isShown = window_.show();
+  if (!isShown) {
+    poll_.reset();
+  }
+  return isShown;
 }
 
 void DesktopSetup::finish() {
   poll_.reset();
-  if (!window_) {
-    return;
-  }
-  content_->setVisible(false);
-  window_->order(WindowOrder::out);
-  letGo_ = services_.mainQueue.after(0, [this] {
-    window_.reset();
-    content_.reset();
-  });
-}
-
-bool DesktopSetup::makeWindow() {
-  content_ = services_.makeContent(view_);
-  if (!content_) {
-    return false;
-  }
-  TitledWindowOptions options;
-  options.identifier = "setup";
-  options.title = setup_texts::windowTitle;
-  options.windowWillClose = [this] { finish(); };
-  window_ = services_.windows.makeTitled(options);
-  window_->surface().setContent(content_);
-  const double height = content_->fittingHeight();
-  placeWindow(height > 0 ? height : usualHeight);
-  content_->setHeightHandler([this](double wanted) { resize(wanted); });
-  return true;
-}
-
-void DesktopSetup::placeWindow(double height) {
-  const double fitting = content_->fittingWidth();
-  const double width = fitting > 0 ? fitting : usualWidth;
-  const auto& screens = services_.screens.screens().get();
-  const Rect room = screens.empty() ? Rect{0, 0, width, height} : screens.front().visibleFrame;
-  // Two parts of three below, where the eye expects the middle.
-  window_->setFrame({std::round(room.x + (room.width - width) / 2),
-                     std::round(room.y + (room.height - height) * 2 / 3), width, height});
-}
-
-void DesktopSetup::resize(double height) {
-  if (window_ && height > 0) {
-    const Rect now = window_->frame();
-    window_->setFrame({now.x, now.maxY() - height, now.width, height});
-  }
+  window_.close();
 }
 
 void DesktopSetup::refresh() {
@@ -151,7 +99,7 @@ void DesktopSetup::refresh() {
   refreshLoginItem();
   refreshTrayIcon();
   if (isComplete() && !wasCompleted()) {
-    services_.defaults.setBoolean(completeKey, true);
+    services_.menuBar.defaults.setBoolean(completeKey, true);
   }
   if (SetupPage now = page(); now != view_.page.get()) {
     view_.page.set(std::move(now));
@@ -159,7 +107,7 @@ void DesktopSetup::refresh() {
 }
 
 void DesktopSetup::refreshLoginItem() {
-  const bool isDone = isLoginItemSkipped_ || isSet(services_.defaults, LaunchAtLogin::key);
+  const bool isDone = isLoginItemSkipped_ || services_.loginItem.state() == LoginItemState::on;
   loginItem_ = isDone ? StepStatus::done : StepStatus::active;
 }
 
@@ -175,14 +123,14 @@ void DesktopSetup::refreshTrayIcon() {
 void DesktopSetup::startAtLogin() {
   loginItemProblem_ = services_.loginItem.enable().value_or("");
   if (loginItemProblem_.empty()) {
-    services_.defaults.setBoolean(LaunchAtLogin::key, true);
-    services_.defaults.remove(skippedLoginItemKey);
+    services_.menuBar.defaults.setBoolean(LaunchAtLogin::key, true);
+    services_.menuBar.defaults.remove(skippedLoginItemKey);
     isLoginItemSkipped_ = false;
   }
 }
 
 void DesktopSetup::skipLoginItem() {
-  services_.defaults.setBoolean(skippedLoginItemKey, true);
+  services_.menuBar.defaults.setBoolean(skippedLoginItemKey, true);
   isLoginItemSkipped_ = true;
 }
 

@@ -8,28 +8,20 @@
 #include "audio/audio_permission.h"
 #include "onboarding/setup_state.h"
 #include "onboarding/setup_view.h"
-#include "platform/hosted_view.h"
+#include "onboarding/setup_window.h"
 #include "platform/main_queue.h"
-#include "platform/panel_window.h"
 
 namespace plemora {
 
-class Application;
 class LoginItem;
-class Screens;
-class UserDefaults;
 
 /// The world as setup needs it on a desktop without Control Center. All of it outlives setup.
 struct DesktopSetupServices {
-  MainQueue& mainQueue;
-  UserDefaults& defaults;
+  MenuBarServices menuBar;
   ConsentService& consent;
   LoginItem& loginItem;
-  Application& application;
-  Screens& screens;
-  Windows& windows;
-  /// Makes what draws the window; the view outlives it. Null: it cannot be shown now.
-  std::function<std::shared_ptr<HostedView>(SetupView&)> makeContent;
+  /// Makes what draws the window, opaque; the view outlives it. Null: it cannot be shown now.
+  SetupWindow::MakeContent makeContent;
   /// What the user can do while the sound is not the program's to change.
   std::function<std::string()> audioAdvice;
   /// Whether somebody shows the program's icon in a tray; none while that is not known yet.
@@ -58,7 +50,7 @@ class DesktopSetup {
   bool wasCompleted() const;
   /// Opens the window, or brings it forward. False: it cannot be shown.
   bool show();
-  bool isShown() const;
+  bool isShown() const { return window_.isShown(); }
   /// Closes the window, however far it has come.
   void finish();
 
@@ -67,9 +59,6 @@ class DesktopSetup {
  private:
   static constexpr double pollInterval = 0.4;  // seconds
 
-  bool makeWindow();
-  void placeWindow(double height);
-  void resize(double height);
   void refresh();
   void refreshLoginItem();
   void refreshTrayIcon();
@@ -91,10 +80,8 @@ class DesktopSetup {
   std::string loginItemProblem_;  ///< of the last attempt; empty: none
 
   SetupView view_;
-  std::shared_ptr<HostedView> content_;
-  std::unique_ptr<PanelWindow> window_;  ///< null: setup is closed
+  SetupWindow window_;
   Timer poll_;
-  Timer letGo_;  ///< of what was drawn, once nobody is in the midst of it
 };
 
 }  // namespace plemora

@@ -22,10 +22,12 @@ constexpr double margin = 20;  // between the tallest window and the edges of th
 
 }  // namespace
 
-SetupWindow::SetupWindow(const MenuBarServices& services, SetupView& view, MakeContent makeContent)
+SetupWindow::SetupWindow(const MenuBarServices& services, SetupView& view, MakeContent makeContent,
+                         SetupGround ground)
     : services_(services),
       view_(view),
       makeContent_(std::move(makeContent)),
+      ground_(ground),
       dockPresence_(services.application, services.mainQueue) {}
 
 SetupWindow::~SetupWindow() = default;
@@ -57,11 +59,13 @@ bool SetupWindow::makeWindow() {
   window_ = services_.windows.makeTitled({.identifier = DockPresence::windowID,
                                           .title = setup_texts::windowTitle,
                                           .windowWillClose = [this] { closed(); }});
-  window_->surface().showEffect({.material = underWindowBackground,
-                                 .blendingMode = behindWindow,
-                                 .state = activeState,
-                                 .hasContinuousCorners = false,
-                                 .masksToBounds = false});
+  if (ground_ == SetupGround::material) {
+    window_->surface().showEffect({.material = underWindowBackground,
+                                   .blendingMode = behindWindow,
+                                   .state = activeState,
+                                   .hasContinuousCorners = false,
+                                   .masksToBounds = false});
+  }
   window_->surface().setContent(content_);
   animation_ = std::make_unique<WindowAnimation>(window_, services_.displayLinks, services_.clock);
   place();
@@ -90,9 +94,22 @@ void SetupWindow::fit(double height) {
   }
 }
 
-void SetupWindow::fadeOut(std::function<void()> completion) {
+void SetupWindow::close() {
+  if (isShown_) {
+    animation_->stop();
+    hide();
+    window_->order(WindowOrder::out);
+    gone();
+  }
+}
+
+void SetupWindow::hide() {
   isShown_ = false;
   content_->setVisible(false);
+}
+
+void SetupWindow::fadeOut(std::function<void()> completion) {
+  hide();
   animation_->animateAlpha(0, fadeDuration, [this, completion = std::move(completion)] {
     window_->order(WindowOrder::out);
     gone();
@@ -103,8 +120,7 @@ void SetupWindow::fadeOut(std::function<void()> completion) {
 void SetupWindow::closed() {
   animation_->stop();
   if (isShown_) {
-    isShown_ = false;
-    content_->setVisible(false);
+    hide();
   }
   gone();
   if (windowWillClose) {

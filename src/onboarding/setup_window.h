@@ -14,6 +14,12 @@
 
 namespace plemora {
 
+/// What lies behind the content of setup's window.
+enum class SetupGround {
+  material,  ///< the system's, for windows
+  none,      ///< the content is opaque
+};
+
 /// The titled window that setup is shown in. The program has a Dock icon as long as it is on
 /// screen. Main thread.
 class SetupWindow {
@@ -23,7 +29,8 @@ class SetupWindow {
   static constexpr double fadeDuration = 0.3;  ///< seconds
 
   /// The services, and the view that is drawn, outlive it. What draws is made by show().
-  SetupWindow(const MenuBarServices& services, SetupView& view, MakeContent makeContent);
+  SetupWindow(const MenuBarServices& services, SetupView& view, MakeContent makeContent,
+              SetupGround ground = SetupGround::material);
   ~SetupWindow();
   SetupWindow(const SetupWindow&) = delete;
   SetupWindow& operator=(const SetupWindow&) = delete;
@@ -36,6 +43,8 @@ class SetupWindow {
   bool show();
   /// From show() until it is closed or begins to fade.
   bool isShown() const { return isShown_; }
+  /// Takes it off the screen.
+  void close();
   /// Fades it away, while it is shown; the completion runs once it is gone, never when it was shown
   /// again before.
   void fadeOut(std::function<void()> completion);
@@ -49,11 +58,13 @@ class SetupWindow {
   void place();
   void fit(double height);
   void closed();
+  void hide();
   void gone();
 
   const MenuBarServices services_;
   SetupView& view_;
   const MakeContent makeContent_;
+  const SetupGround ground_;
   DockPresence dockPresence_;
   std::shared_ptr<HostedView> content_;
   std::shared_ptr<PanelWindow> window_;

@@ -5,12 +5,21 @@
 
 namespace plemora {
 
+enum class LoginItemState {
+  absent,
+  on,
+  switchedOff,  ///< by the user, who is not to be overruled unasked
+};
+
 /// The program's entry among what starts at login. Main thread.
 class LoginItem {
  public:
   virtual ~LoginItem() = default;
 
-  /// Makes the program start at the next login; a text that says why when that fails.
+  /// Whether the program starts at the next login; read anew at every call.
+  virtual LoginItemState state() = 0;
+  /// Makes it start then, also where the user had switched that off; a text that says why when that
+  /// fails.
   virtual std::optional<std::string> enable() = 0;
 };
 

@@ -42,27 +42,34 @@ TEST(LoginItemTest, TheEntryStartsTheProgramWhateverItsPathHolds) {
   }
 }
 
-TEST(LoginItemTest, LeavesAnEntryAloneThatTheUserHasSwitchedOff) {
-  struct Case {
+TEST(LoginItemTest, KnowsWhetherTheUserHasSwitchedItOffAndOverrulesThatWhenAsked) {
+  const std::string start = "[Desktop Entry]\nType=Application\nName=Plemora\nExec=/old\n";
+  const struct {
     const char* what;
-    std::string present;
-    bool isKept;
+    std::optional<std::string> present;
+    LoginItemState state;
+  } cases[] = {
+      {"nothing", std::nullopt, LoginItemState::absent},
+      {"an entry", start, LoginItemState::on},
+      {"hidden", start + "Hidden=true\n", LoginItemState::switchedOff},
+      {"hidden and no more", "[Desktop Entry]\nHidden=true\n", LoginItemState::switchedOff},
+      {"off for GNOME", start + "X-GNOME-Autostart-enabled=false\n", LoginItemState::switchedOff},
+      {"with spaces", start + "X-GNOME-Autostart-enabled = false\n", LoginItemState::switchedOff},
+      {"on for GNOME", start + "X-GNOME-Autostart-enabled=true\n", LoginItemState::on},
+      {"of a group that does not count", start + "[Other]\nHidden=true\n", LoginItemState::on},
+      {"without a command", "[Desktop Entry]\nType=Application\n", LoginItemState::absent},
+      {"garbage", "\x01\x02", LoginItemState::absent},
   };
-  const Case cases[] = {
-      {"hidden", "[Desktop Entry]\nType=Application\nName=Plemora\nExec=old\nHidden=true\n", true},
-      {"disabled by GNOME",
-       "[Desktop Entry]\nType=Application\nName=P\nExec=old\nX-GNOME-Autostart-enabled=false\n",
-       true},
-      {"of another path", "[Desktop Entry]\nType=Application\nName=Plemora\nExec=/old\n", false},
-      {"garbage", "\x01\x02", false},
-      {"empty", "", false},
-  };
-  for (const Case& one : cases) {
+  for (const auto& one : cases) {
     const auto disk = std::make_shared<FaultyDisk>();
-    disk->put(loginFile, one.present);
+    if (one.present) {
+      disk->put(loginFile, *one.present);
+    }
     XdgLoginItem item("/home/me/.config/autostart", "/usr/bin/plemora", disk);
+    EXPECT_EQ(item.state(), one.state) << one.what;
     EXPECT_EQ(item.enable(), std::nullopt) << one.what;
-    EXPECT_EQ(disk->text(loginFile) == one.present, one.isKept) << one.what;
+    EXPECT_EQ(item.state(), LoginItemState::on) << one.what;
+    EXPECT_THAT(disk->text(loginFile), HasSubstr("/usr/bin/plemora")) << one.what;
   }
 }
 

@@ -7,15 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "adapters/stage/memory_defaults.h"
-#include "adapters/stage/scripted_application.h"
-#include "adapters/stage/scripted_consent.h"
-#include "adapters/stage/scripted_hosted_view.h"
 #include "adapters/stage/scripted_login_item.h"
-#include "adapters/stage/scripted_screens.h"
-#include "adapters/stage/stage_windows.h"
-#include "adapters/stage/virtual_clock.h"
-#include "adapters/stage/virtual_main_queue.h"
+#include "menubar/menu_bar_world.h"
 
 namespace plemora {
 namespace {
@@ -27,26 +20,22 @@ constexpr int allowed = 0;
 constexpr int undecided = 2;
 
 /// A desktop and the setup on it.
-struct World {
-  VirtualClock clock;
-  VirtualMainQueue queue{clock};
-  MemoryDefaults defaults;
-  ScriptedConsent consent;
+struct World : MenuBarWorld {
   ScriptedLoginItem loginItem;
-  ScriptedApplication application;
-  ScriptedScreens screens;
-  StageWindows windows{queue, screens};
-  std::shared_ptr<ScriptedHostedView> content = std::make_shared<ScriptedHostedView>();
   SetupView* view = nullptr;
   std::optional<bool> isTrayIconShown = true;
   int panels = 0;
-  DesktopSetup setup{{queue, defaults, consent, loginItem, application, screens, windows,
+  DesktopSetup setup{{{main, clock, defaults, workspace, application, screens, input, windows,
+                       links, bar, picker, look, updater},
+                      consent,
+                      loginItem,
                       [this](SetupView& shown) {
                         view = &shown;
                         return content;
                       },
                       [] { return std::string("Start the server."); },
-                      [this] { return isTrayIconShown; }, "Get a tray."}};
+                      [this] { return isTrayIconShown; },
+                      "Get a tray."}};
 
   World() {
     setup.onShowPanel = [this] { ++panels; };
@@ -67,23 +56,28 @@ TEST(DesktopSetupTest, ShowsTheStepsThatThereAreAndWhatIsDoneAlready) {
   struct Case {
     int consent;
     std::optional<bool> tray;
-    bool isRegistered;
+    LoginItemState login;
     std::vector<std::string> cards;
     bool isComplete;
   };
+  const auto absent = LoginItemState::absent;
+  const auto on = LoginItemState::on;
+  const auto off = LoginItemState::switchedOff;
   const Case cases[] = {
-      {undecided, true, false, {"audio", "loginItem"}, false},
-      {allowed, true, false, {"audio!", "loginItem"}, false},
-      {allowed, false, true, {"audio!", "loginItem!", "trayIcon"}, false},
-      {allowed, std::nullopt, true, {"audio!", "loginItem!"}, false},  // may yet be hidden
-      {undecided, true, true, {"audio", "loginItem!"}, false},
-      {allowed, true, true, {"audio!", "loginItem!"}, true},
+      {undecided, true, absent, {"audio", "loginItem"}, false},
+      {allowed, true, absent, {"audio!", "loginItem"}, false},
+      {allowed, false, on, {"audio!", "loginItem!", "trayIcon"}, false},
+      {allowed, std::nullopt, on, {"audio!", "loginItem!"}, false},  // may yet be hidden
+      {undecided, true, on, {"audio", "loginItem!"}, false},
+      {allowed, true, on, {"audio!", "loginItem!"}, true},
+      {allowed, true, off, {"audio!", "loginItem"}, false},
   };
   for (const Case& each : cases) {
     World world;
     world.consent.setPreflight(each.consent);
     world.isTrayIconShown = each.tray;
-    world.defaults.setBoolean("didRegisterLoginItem", each.isRegistered);
+    world.defaults.setBoolean("didRegisterLoginItem", true);  // once; it may be gone since
+    world.loginItem.current = each.login;
     ASSERT_TRUE(world.setup.show());
     EXPECT_EQ(world.cards(), each.cards);
     EXPECT_EQ(world.page().isComplete, each.isComplete);
@@ -102,18 +96,18 @@ TEST(DesktopSetupTest, FollowsWhatHappensOutsideWhileItIsOpen) {
   world.setup.show();
   world.isTrayIconShown = false;
   world.consent.setPreflight(allowed);
-  world.queue.advance(0.39);
+  world.main.advance(0.39);
   EXPECT_THAT(world.cards(), ElementsAre("audio", "loginItem"));
-  world.queue.advance(0.02);
+  world.main.advance(0.02);
   EXPECT_THAT(world.cards(), ElementsAre("audio!", "loginItem", "trayIcon"));
   world.isTrayIconShown = true;
   world.consent.setPreflight(undecided);
-  world.queue.advance(0.4);
+  world.main.advance(0.4);
   EXPECT_THAT(world.cards(), ElementsAre("audio", "loginItem", "trayIcon!"))
       << "the server went away again, and a tray came";
   world.view->onFinish();
-  world.queue.advance(0.4);
-  EXPECT_EQ(world.queue.pendingTimers(), 0);
+  world.main.advance(0.4);
+  EXPECT_EQ(world.main.pendingTimers(), 0);
   EXPECT_TRUE(world.windows.windows().empty()) << "nothing of it is kept";
   EXPECT_FALSE(world.isCompleted());
 }
@@ -179,7 +173,7 @@ TEST(DesktopSetupTest, KeepsOneWindowWhichGrowsDownwards) {
   World broken;
   broken.content.reset();
   EXPECT_FALSE(broken.setup.show());
-  EXPECT_EQ(broken.queue.pendingTimers(), 0);
+  EXPECT_EQ(broken.main.pendingTimers(), 0);
 }
 
 }  // namespace

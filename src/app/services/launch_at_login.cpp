@@ -29,9 +29,12 @@ void LaunchAtLogin::enableOnFirstRun() {
                            [&](const auto& prefix) { return path.starts_with(prefix); })) {
     return;
   }
-  if (const auto failure = item_.enable()) {
-    logger.error("Plemora: login item registration failed: " + *failure);
-    return;
+  // An item of an earlier installation that the user has switched off stays as it is.
+  if (item_.state() != LoginItemState::switchedOff) {
+    if (const auto failure = item_.enable()) {
+      logger.error("Plemora: login item registration failed: " + *failure);
+      return;
+    }
   }
   defaults_.setBoolean(key, true);
 }

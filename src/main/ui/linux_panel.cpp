@@ -52,14 +52,9 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
       launchAtLogin_(program.defaults(), program.system(), loginItem_, {"/usr/", "/opt/"}),
       statusBar_(bus, appearance_),
       routePicker_(program.mainQueue(), program.model().outputs(), makeRaopDiscovery()),
-      controller_(program.model(),
-                  MenuBarServices{program.mainQueue(), program.clock(), program.defaults(),
-                                  program.workspace(), desktop_.application(), desktop_.screens(),
-                                  desktop_.inputEvents(), windows_, desktop_.displayLinks(),
-                                  statusBar_, routePicker_, look_, updater_},
+      controller_(program.model(), services(program),
                   [this](PanelView& view) { return makeScene(view); }),
-      setup_({program.mainQueue(), program.defaults(), program.consent(), loginItem_,
-              desktop_.application(), desktop_.screens(), windows_,
+      setup_({services(program), program.consent(), loginItem_,
               [this](SetupView& view) {
                 PanelParts* loaded = parts();
                 return loaded != nullptr ? loaded->makeSetup(view, appearance_) : nullptr;
@@ -82,6 +77,22 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
 
 LinuxPanel::~LinuxPanel() {
   desktop_.setOwnAreas({});
+}
+
+MenuBarServices LinuxPanel::services(LinuxProgram& program) {
+  return {program.mainQueue(),
+          program.clock(),
+          program.defaults(),
+          program.workspace(),
+          desktop_.application(),
+          desktop_.screens(),
+          desktop_.inputEvents(),
+          windows_,
+          desktop_.displayLinks(),
+          statusBar_,
+          routePicker_,
+          look_,
+          updater_};
 }
 
 void LinuxPanel::open() {

@@ -54,6 +54,7 @@ class LinuxPanel : public Panel {
     std::unique_ptr<PanelParts>& parts_;
   };
 
+  MenuBarServices services(LinuxProgram& program);
   /// What draws, loaded if need be; null when that fails, of which the user is told.
   PanelParts* parts();
   std::shared_ptr<HostedView> makeScene(PanelView& view);

@@ -128,6 +128,7 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
   entry.snapInstance = value(keys, "X-SnapInstanceName");
   entry.noDisplay = value(keys, "NoDisplay") == "true";
   entry.hidden = value(keys, "Hidden") == "true";
+  entry.startsAtLogin = !entry.hidden && value(keys, "X-GNOME-Autostart-enabled") != "false";
   return entry;
 }
 

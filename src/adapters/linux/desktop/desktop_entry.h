@@ -22,6 +22,7 @@ struct DesktopEntry {
   std::string snapInstance;
   bool noDisplay = false;
   bool hidden = false;
+  bool startsAtLogin = true;  ///< false: switched off, where it is an autostart entry
 
   bool hasCategory(std::string_view category) const;
 };

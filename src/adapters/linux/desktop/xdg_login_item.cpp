@@ -1,6 +1,5 @@
 #include "adapters/linux/desktop/xdg_login_item.h"
 
-#include <cerrno>
 #include <cstdlib>
 #include <system_error>
 #include <utility>
@@ -60,12 +59,6 @@ std::string entry(const std::string& executable) {
          "StartupNotify=false\n";
 }
 
-bool isSwitchedOff(const std::string& text) {
-  const auto known = parseDesktopEntry(text, {});
-  return known &&
-         (known->hidden || text.find("\nX-GNOME-Autostart-enabled=false") != std::string::npos);
-}
-
 }  // namespace
 
 std::string quotedForExec(const std::string& path) {
@@ -98,6 +91,18 @@ fs::path XdgLoginItem::defaultFolder() {
   return folder / "autostart";
 }
 
+LoginItemState XdgLoginItem::state() {
+  std::string present;
+  if (operations_->read(operations_->target(folder_ / fileName), present) != 0) {
+    return LoginItemState::absent;
+  }
+  const auto known = parseDesktopEntry(present, {});
+  if (known && !known->startsAtLogin) {
+    return LoginItemState::switchedOff;
+  }
+  return known && !known->command.empty() ? LoginItemState::on : LoginItemState::absent;
+}
+
 std::optional<std::string> XdgLoginItem::enable() {
   if (!fs::path(executable_).is_absolute()) {
     return "the path of the program is not known";
@@ -106,28 +111,8 @@ std::optional<std::string> XdgLoginItem::enable() {
     return "the folder " + folder_.string() + " cannot be made: " + describe(error);
   }
   const fs::path file = operations_->target(folder_ / fileName);
-  std::string present;
-  int error = operations_->read(file, present);
-  if (error == 0 && isSwitchedOff(present)) {
-    return std::nullopt;
-  }
-  if (error != 0 && error != ENOENT) {
-    return file.string() + " cannot be read: " + describe(error);
-  }
-  const fs::path fresh = file.parent_path() / ("." + file.filename().string() + ".new");
-  error = operations_->write(fresh, entry(executable_));
-  if (error == 0) {
-    error = operations_->sync(fresh);
-  }
-  if (error == 0) {
-    error = operations_->rename(fresh, file);
-  }
-  if (error != 0) {
-    operations_->remove(fresh);
+  if (const int error = replaceFile(*operations_, file, entry(executable_)).error) {
     return file.string() + " cannot be written: " + describe(error);
-  }
-  if (const int unsynced = operations_->sync(file.parent_path())) {
-    return "the folder " + file.parent_path().string() + " cannot be synced: " + describe(unsynced);
   }
   return std::nullopt;
 }

@@ -10,14 +10,14 @@
 
 namespace plemora {
 
-/// Starts the program at login by a desktop entry among the user's autostart entries. One that the
-/// user has switched off there is left as it is. Main thread.
+/// Starts the program at login by a desktop entry among the user's autostart entries. Main thread.
 class XdgLoginItem : public LoginItem {
  public:
   /// folder: of autostart entries. executable: absolute path of the program.
   XdgLoginItem(std::filesystem::path folder, std::string executable,
                std::shared_ptr<FileOperations> operations = makeFileOperations());
 
+  LoginItemState state() override;
   std::optional<std::string> enable() override;
 
   /// "$XDG_CONFIG_HOME/autostart", or "~/.config/autostart".
