@@ -47,6 +47,9 @@ class PanelView {
 
   static constexpr const char* title = "Sound";
 
+  /// The appearance to be drawn in; whoever shows the view assigns it.
+  Published<bool> isDark{true};
+
   /// All rows from top to bottom; assigned when any of them has changed, except as below.
   Published<PanelRows> rows;
 

@@ -55,10 +55,21 @@ ControlCenterDetail::ControlCenterDetail(MixerModel& model, SkinState& skinState
             dismiss();
             services_.menuBar.workspace.openURL(soundSettingsURL);
           }),
-      iconHighlight_(services_.menuBar.windows, services_.menuBar.look) {}
+      iconHighlight_(services_.menuBar.windows, services_.menuBar.look),
+      appearance_(services_.menuBar.look.observe([this](bool) { followAppearance(); })) {
+  followAppearance();
+}
 
 ControlCenterDetail::~ControlCenterDetail() {
   clear();
+}
+
+void ControlCenterDetail::followAppearance() {
+  const bool isDark = services_.menuBar.look.isDark();
+  panelView_.isDark.set(isDark);
+  if (panel_) {
+    panel_->setDark(isDark);
+  }
 }
 
 bool ControlCenterDetail::makeViews() {

@@ -81,6 +81,7 @@ class ControlCenterDetail {
  private:
   static constexpr double initialContentHeight = 300;
 
+  void followAppearance();
   bool makeViews();
   void clear();
   bool canClose() const;
@@ -124,6 +125,7 @@ class ControlCenterDetail {
   double fromRadius_ = 0;
   double toRadius_ = 0;
   bool waitingForControlCenter_ = false;
+  Subscription appearance_;
 };
 
 }  // namespace plemora

@@ -50,4 +50,8 @@ double DetailMotion::detailAlpha(double progress) {
                                 : unit((progress - 0.02) / 0.1);
 }
 
+double DetailMotion::grown(double progress) {
+  return unit(std::signbit(progress) ? 1 + progress : progress);
+}
+
 }  // namespace plemora

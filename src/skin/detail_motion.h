@@ -20,6 +20,8 @@ struct DetailMotion {
   /// module returns only when that is half gone.
   static double moduleAlpha(double progress);
   static double detailAlpha(double progress);
+  /// How much of the way to the open panel is behind it.
+  static double grown(double progress);
 };
 
 }  // namespace plemora

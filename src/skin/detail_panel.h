@@ -33,6 +33,10 @@ class DetailPanel {
   /// Makes the window no larger than that; what it covers without need swallows clicks.
   void fitWindow();
 
+  /// In light appearance a veil grows with the panel, so that black is read on it over a dark
+  /// desktop too.
+  void setDark(bool isDark);
+
   /// Shows the container there. The progress is that of DetailMotion.
   void apply(const Rect& rect, double radius, double progress);
 
@@ -42,13 +46,19 @@ class DetailPanel {
  private:
   void setWindowFrame(const Rect& frame);
   void update();
+  TunedBackdropView::Tuning glass(double grown) const;
   Rect inContainer(const Rect& frame) const;
 
   const std::shared_ptr<HostedView> moduleView_;
   const std::shared_ptr<HostedView> detailView_;
   const std::unique_ptr<PanelWindow> window_;
+  const TunedBackdropView::Tuning moduleGlass_;  // that it begins with
+  const TunedBackdropView::Tuning panelGlass_;
   std::unique_ptr<TunedBackdropView> backdrop_;  // goes before the surface that it tunes
+  const std::shared_ptr<Layer> root_;
+  const std::shared_ptr<Layer> veil_;
   RimLayer rim_;
+  bool isDark_;
   Rect module_;
   Rect panel_;
   Rect container_;

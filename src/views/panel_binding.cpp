@@ -5,7 +5,7 @@
 namespace plemora {
 
 PanelBinding::PanelBinding(PanelView& view, const ControlCenterLook& look)
-    : view_(view), trackColor_(toQColor(ControlSlider::trackColor(look, true))) {
+    : view_(view), look_(look) {
   subscriptions_.push_back(view_.rows.subscribe([this](const PanelRows& rows) { showRows(rows); }));
   subscriptions_.push_back(
       view_.sliderChange.subscribe([this](const PanelView::SliderState& slider) {
@@ -20,7 +20,12 @@ PanelBinding::PanelBinding(PanelView& view, const ControlCenterLook& look)
       }));
   subscriptions_.push_back(
       view_.meters.subscribe([this](const LevelMeters::Levels& meters) { showMeters(meters); }));
+  subscriptions_.push_back(view_.isDark.subscribe([this](bool) { emit isDarkChanged(); }));
   showRows(view_.rows.get());
+}
+
+QColor PanelBinding::trackColor() const {
+  return toQColor(ControlSlider::trackColor(look_, isDark()));
 }
 
 void PanelBinding::showRows(const PanelRows& rows) {

@@ -29,7 +29,8 @@ class PanelBinding : public QObject {
   Q_PROPERTY(double bottomPadding READ bottomPadding NOTIFY heightChanged)
   Q_PROPERTY(bool isVisible READ isVisible NOTIFY isVisibleChanged)
   Q_PROPERTY(bool showsFocus READ showsFocus NOTIFY showsFocusChanged)
-  Q_PROPERTY(QColor trackColor READ trackColor CONSTANT)
+  Q_PROPERTY(bool isDark READ isDark NOTIFY isDarkChanged)
+  Q_PROPERTY(QColor trackColor READ trackColor NOTIFY isDarkChanged)
 
  public:
   /// Where a place in the scene (points, y down) lies on the screens (global, y up).
@@ -48,7 +49,8 @@ class PanelBinding : public QObject {
   double bottomPadding() const { return bottomPadding_; }
   bool isVisible() const { return isVisible_; }
   bool showsFocus() const { return showsFocus_; }
-  QColor trackColor() const { return trackColor_; }
+  bool isDark() const { return view_.isDark.get(); }
+  QColor trackColor() const;
 
   void setVisible(bool isVisible);
   /// Whether the focused control is marked: while keys are used, and not the pointer.
@@ -72,6 +74,7 @@ class PanelBinding : public QObject {
   void heightChanged();
   void isVisibleChanged();
   void showsFocusChanged();
+  void isDarkChanged();
 
  private:
   void showRows(const PanelRows& rows);
@@ -79,7 +82,7 @@ class PanelBinding : public QObject {
   void updateHeight();
 
   PanelView& view_;
-  const QColor trackColor_;
+  const ControlCenterLook& look_;
   RowListModel rows_;
   ScreenMapping toScreen_;
   double height_ = 0;

@@ -68,6 +68,13 @@ void SliderBinding::setDimmed(bool isDimmed) {
   }
 }
 
+void SliderBinding::setDark(bool isDark) {
+  if (isDark != isDark_) {
+    isDark_ = isDark;
+    emit changed();
+  }
+}
+
 void SliderBinding::setPointedAt(bool isPointedAt) {
   const bool before = slider_.isHovering();
   slider_.setHovering(isPointedAt);
@@ -91,7 +98,7 @@ void SliderBinding::setWidth(double width) {
 }
 
 QColor SliderBinding::fillColor() const {
-  return toQColor(slider_.fillColor(true));
+  return toQColor(slider_.fillColor(isDark_));
 }
 
 bool SliderBinding::turnWheel(const QPointF& angleDelta, int modifiers) {

@@ -14,7 +14,7 @@ namespace plemora {
 
 /// A ControlSlider for QML: its state as properties; gestures, wheel and keys as calls. The model's
 /// value comes in through boundValue; what the user does shows at once and goes out through
-/// moved(). Always in the dark appearance, as the panel is. Main thread.
+/// moved(). Main thread.
 class SliderBinding : public QObject {
   Q_OBJECT
   QML_ELEMENT
@@ -22,6 +22,7 @@ class SliderBinding : public QObject {
   Q_PROPERTY(double value READ value NOTIFY valueChanged)
   Q_PROPERTY(bool isEnabled READ isEnabled WRITE setEnabled NOTIFY changed)
   Q_PROPERTY(bool isDimmed READ isDimmed WRITE setDimmed NOTIFY changed)
+  Q_PROPERTY(bool isDark READ isDark WRITE setDark NOTIFY changed)
   Q_PROPERTY(bool isPointedAt READ isHovering WRITE setPointedAt NOTIFY changed)
   Q_PROPERTY(bool isHovering READ isHovering NOTIFY changed)
   Q_PROPERTY(bool isDragging READ isDragging NOTIFY changed)
@@ -43,6 +44,8 @@ class SliderBinding : public QObject {
   void setEnabled(bool isEnabled);
   bool isDimmed() const { return slider_.isDimmed; }
   void setDimmed(bool isDimmed);
+  bool isDark() const { return isDark_; }
+  void setDark(bool isDark);
   bool isHovering() const { return slider_.isHovering(); }
   void setPointedAt(bool isPointedAt);
   bool isDragging() const { return slider_.isDragging(); }
@@ -78,6 +81,7 @@ class SliderBinding : public QObject {
  private:
   ControlSlider slider_;
   double width_ = 0;
+  bool isDark_ = true;
 };
 
 }  // namespace plemora

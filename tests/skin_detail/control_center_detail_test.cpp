@@ -84,6 +84,54 @@ TEST(ControlCenterDetailTest, ThePanelGrowsFrameByFrame) {
   EXPECT_EQ(world.main.pendingTimers(), 0) << "nothing runs while it is open";
 }
 
+TEST(ControlCenterDetailTest, ItFollowsTheAppearanceAndIsLighterWhereItsTextIsBlack) {
+  DetailWorld world;
+  const auto veil = [&world] { return world.surface().layer->sublayers.at(0)->opacity; };
+  world.presentOpen();
+  EXPECT_TRUE(world.detail->panelView().isDark.get());
+  EXPECT_FALSE(world.window()->options.isDark) << "its glass is the system's";
+  EXPECT_EQ(veil(), 0);
+  world.appearance.setDark(false);
+  EXPECT_FALSE(world.detail->panelView().isDark.get());
+  EXPECT_EQ(veil(), 0.5);
+
+  // It comes and goes with the growth, so that the panel begins and ends as the module.
+  world.detail->collapse();
+  world.showControlCenter(true);
+  world.frames(2);
+  EXPECT_NEAR(veil(), 0.5 * (1 - 0.2425349), 1e-6);
+  world.frames(30);
+  world.detail->present(DetailWorld::module);
+  EXPECT_EQ(veil(), 0);
+  world.frames(4);
+  EXPECT_NEAR(veil(), 0.5 * 0.3632568, 1e-6);
+}
+
+TEST(ControlCenterDetailTest, ItsGlassGoesOverFromTheModulesToThePanels) {
+  DetailWorld world;
+  world.defaults.setString("skinStyle", "cc,r=3,sat=1,m=1:0:0:0:0:0:1:0:0:0:0:0:1:0:0:0:0:0:1:0");
+  world.defaults.setString("detailStyle",
+                           "cc,r=2,sat=2,m=0.5:0:0:0:0:0:1:0:0:0:0:0:1:0:0:0:0:0:1:0");
+  const auto& glass = [&world]() -> auto& {
+    return *world.surface().effect->layers;
+  };
+  const auto red = [&] {
+    return static_cast<double>(glass().find("backdrop")->filters().at(0).inputColorMatrix[0]);
+  };
+  world.detail->present(DetailWorld::module);
+  world.surface().effect->layers = ScriptedEffectLayer::systemTree();
+  world.surface().effect->moveToWindow(true);
+  world.frames(2);
+  EXPECT_EQ(red(), 1);
+  world.frames(2);
+  EXPECT_NEAR(red(), 1 - 0.5 * 0.3632568, 1e-6);
+  world.frames(30);
+  EXPECT_EQ(red(), 0.5);
+  EXPECT_EQ(glass().find("backdrop")->values.at("filters.colorSaturate.inputAmount"), 2);
+  EXPECT_EQ(glass().find("backdrop")->values.at("filters.gaussianBlur.inputRadius"), 2)
+      << "no blur for each frame";
+}
+
 TEST(ControlCenterDetailTest, ItsWindowIsAboveControlCentersPanel) {
   struct Case {
     std::optional<int> layer;  // of Control Center's panel; none: it is closed

@@ -1,5 +1,6 @@
 #include <QFile>
 #include <QTemporaryDir>
+#include <algorithm>
 
 #include "views/panel_rig.h"
 
@@ -38,6 +39,30 @@ TEST_F(PanelTest, EveryControlHasItsNameAndRole) {
   EXPECT_TRUE(find("Speakers")->state().checked);
   EXPECT_FALSE(find("Desk")->state().checked);
   EXPECT_EQ(find("AirPlay")->text(QAccessible::Description), "AirPlay speakers and TVs");
+}
+
+TEST_F(PanelTest, IsWrittenInWhiteOnDarkGlassAndInBlackOnLight) {
+  start();
+  open();
+  window->setColor(QColor::fromHslF(0, 0, 0.5));
+  for (const bool isDark : {true, false, true}) {
+    view->isDark.set(isDark);
+    turn();
+    const QImage title = window->grabWindow().copy(0, 0, 100, 26);
+    int lightest = 0;
+    int darkest = 255;
+    for (int y = 0; y < title.height(); ++y) {
+      for (int x = 0; x < title.width(); ++x) {
+        lightest = std::max(lightest, title.pixelColor(x, y).lightness());
+        darkest = std::min(darkest, title.pixelColor(x, y).lightness());
+      }
+    }
+    EXPECT_GT(lightest, isDark ? 230 : 120);
+    EXPECT_LT(darkest, isDark ? 135 : 50);
+    EXPECT_TRUE(isDark ? darkest > 120 : lightest < 135) << "of one colour alone";
+    const QColor fill = window->grabWindow().pixelColor(place("Volume", 0.1));
+    EXPECT_TRUE(isDark ? fill.lightness() > 230 : fill.lightness() < 80) << fill.lightness();
+  }
 }
 
 TEST_F(PanelTest, ADragMovesTheSliderAndTheModelAndIsNotPulledBack) {

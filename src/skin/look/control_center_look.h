@@ -1,8 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/appearance.h"
 #include "platform/system_info.h"
@@ -34,6 +36,10 @@ class ControlCenterLook {
   bool isModern() const { return release_ != "26.1"; }
   /// Asked anew each time.
   bool isDark() const { return appearance_.isDark(); }
+  /// Told of each change of that.
+  [[nodiscard]] Subscription observe(std::function<void(bool isDark)> observer) const {
+    return appearance_.observe(std::move(observer));
+  }
 
   /// The style string of that key: the setting "key.dark" or "key.light", else the setting "key",
   /// else the built-in one of this release and appearance, of this release, of 26.1. Ends the

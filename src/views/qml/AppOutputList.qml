@@ -20,7 +20,7 @@ Item {
         anchors.rightMargin: Metrics.highlightInset
         anchors.bottomMargin: 4
         radius: Metrics.highlightRadius
-        color: Qt.rgba(1, 1, 1, 0.06)
+        color: Metrics.group
     }
 
     Column {

@@ -59,6 +59,7 @@ FocusScope {
         boundValue: root.boundValue
         isEnabled: root.isEnabled
         isDimmed: root.isDimmed
+        isDark: Metrics.isDark
         knob: root.knob
         width: root.width
         isPointedAt: hover.hovered

@@ -16,5 +16,6 @@ Rectangle {
         anchors.centerIn: parent
         name: root.symbol
         pointSize: 12
+        color: root.isSelected ? "white" : Metrics.text
     }
 }

@@ -13,6 +13,12 @@ VisibilityGate {
     height: panel.height
     clip: true
 
+    Binding {
+        target: Metrics
+        property: "isDark"
+        value: root.panel.isDark
+    }
+
     PanelView {
         anchors.fill: parent
         focus: true

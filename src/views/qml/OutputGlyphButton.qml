@@ -29,7 +29,7 @@ FocusScope {
     Rectangle {
         anchors.fill: parent
         radius: width / 2
-        color: root.isOpen ? Qt.rgba(1, 1, 1, 0.9) : pointer.pressed ? Qt.rgba(1, 1, 1, 0.26) : hover.hovered ? Qt.rgba(1, 1, 1, 0.2) : Metrics.glyphFill
+        color: root.isOpen ? Metrics.glyphOpen : pointer.pressed ? Metrics.glyphPressed : hover.hovered ? Metrics.glyphHover : Metrics.glyphFill
 
         FocusRing {
             shown: root.activeFocus && root.showsFocus
@@ -41,7 +41,7 @@ FocusScope {
         anchors.centerIn: parent
         name: root.symbol
         pointSize: 12
-        color: root.isOpen ? "#1c1c1e" : Metrics.text
+        color: root.isOpen ? Metrics.glyphOpenSymbol : Metrics.text
     }
 
     HoverHandler {

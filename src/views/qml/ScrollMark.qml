@@ -16,6 +16,6 @@ Rectangle {
     width: 3
     height: Math.max(part * room, 24)
     radius: 1.5
-    color: Qt.rgba(1, 1, 1, 0.35)
+    color: Metrics.scrollMark
     visible: part < 1
 }

@@ -6,7 +6,7 @@ Image {
 
     required property string name
     property real pointSize: 15
-    property color color: "white"
+    property color color: Metrics.text
 
     // A symbol's box is wider than its point size, as a letter's line is.
     readonly property real side: Math.round(pointSize * 1.35)
