@@ -82,7 +82,10 @@ void ControlCenterPrimer::prime(Done done, Absence absence) {
 }
 
 void ControlCenterPrimer::openPanel() {
-  pressMenuItem();
+  // A panel that stands open, as a run that was killed leaves it, would be closed by a press.
+  if (!locator_.panelWindow()) {
+    pressMenuItem();
+  }
   waitUntil(
       panelTimeout, [this](bool isOpen) { isOpen ? enterEditMode() : finish(false); },
       [this] { return locator_.panelWindow().has_value(); });

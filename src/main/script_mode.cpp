@@ -6,10 +6,10 @@
 
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
 #include "adapters/files/disk_files.h"
+#include "adapters/files/preferences_host.h"
 #include "adapters/files/property_list_preferences.h"
 #include "adapters/linux/desktop/system_clock.h"
 #include "controlcenter/control_center_layout.h"
@@ -61,26 +61,13 @@ class FolderLock {
   int descriptor_;
 };
 
-std::string machineName() {
-  std::string name;
-  std::ifstream("/etc/machine-id") >> name;
-  if (name.empty()) {
-    throw std::runtime_error(
-        "this machine has no id in /etc/machine-id; name it with --preferences-host NAME");
-  }
-  return name;
-}
-
 void changeLayout(const ScriptOptions& options) {
   if (!options.preferences) {
     throw std::runtime_error(
         "there is no Control Center on this system; give the folder of the preferences that are "
         "to be changed with --preferences DIR");
   }
-  const std::string host = options.preferencesHost ? *options.preferencesHost : machineName();
-  if (host.empty() || host.find('/') != host.npos) {
-    throw std::runtime_error("\"" + host + "\" cannot be a machine's name in a file's name");
-  }
+  const std::string host = preferencesHost(options.preferencesHost);
   const fs::path folder = fs::absolute(*options.preferences).lexically_normal();
   const FolderLock lock(folder);
   PropertyListPreferences preferences(folder, host);

@@ -13,6 +13,7 @@
 #include "adapters/stage/memory_defaults.h"
 #include "base/log.h"
 #include "fake_desktop.h"
+#include "support/defaults_contract.h"
 #include "support/faulty_disk.h"
 
 namespace plemora {
@@ -20,8 +21,6 @@ namespace plemora {
 namespace {
 
 namespace fs = std::filesystem;
-
-const std::string bytes("\x00\xff{\"\n", 5);
 
 /// Collects warnings and worse while it lives.
 class Warnings {
@@ -40,62 +39,18 @@ class Warnings {
   LogHandler before_;
 };
 
-// What holds for every kind of user defaults.
-
-struct Kind {
-  const char* name;
-  std::function<std::unique_ptr<UserDefaults>(const std::vector<std::string>&)> make;
-};
-
-class DefaultsContract : public testing::TestWithParam<Kind> {};
-
-TEST_P(DefaultsContract, ReturnsWhatWasStored) {
-  const auto defaults = GetParam().make({});
-  EXPECT_EQ(defaults->boolean("flag"), std::nullopt);
-  EXPECT_EQ(defaults->string("text"), std::nullopt);
-  EXPECT_EQ(defaults->data("bytes"), std::nullopt);
-  defaults->setBoolean("flag", false);
-  defaults->setString("text", "grüß \"dich\"\n");
-  defaults->setData("bytes", bytes);
-  EXPECT_EQ(defaults->boolean("flag"), false);
-  EXPECT_EQ(defaults->string("text"), "grüß \"dich\"\n");
-  EXPECT_EQ(defaults->data("bytes"), bytes);
-  EXPECT_EQ(defaults->string("flag"), std::nullopt);
-  EXPECT_EQ(defaults->boolean("text"), std::nullopt);
-  defaults->setString("flag", "YES");
-  EXPECT_EQ(defaults->boolean("flag"), true);
-  defaults->setString("flag", "1.0");
-  EXPECT_EQ(defaults->boolean("flag"), std::nullopt);
-  defaults->remove("bytes");
-  EXPECT_EQ(defaults->data("bytes"), std::nullopt);
-}
-
-TEST_P(DefaultsContract, LaunchArgumentsLieOnTopAndAreNotStored) {
-  const auto defaults = GetParam().make({"--log-levels", "-demo", R"({"apps":[]})", "file", "-flag",
-                                         "true", "-look", "-flat", "no", "-last"});
-  EXPECT_EQ(defaults->string("demo"), R"({"apps":[]})");
-  EXPECT_EQ(defaults->data("demo"), std::nullopt);
-  EXPECT_EQ(defaults->boolean("flag"), true);
-  EXPECT_EQ(defaults->string("look"), std::nullopt);
-  EXPECT_EQ(defaults->boolean("flat"), false);
-  EXPECT_EQ(defaults->string("last"), std::nullopt);
-  EXPECT_EQ(defaults->string("-log-levels"), std::nullopt);
-  defaults->setString("demo", "stored");
-  EXPECT_EQ(defaults->string("demo"), R"({"apps":[]})");
-  EXPECT_EQ(GetParam().make({})->string("demo").value_or("stored"), "stored");
-}
-
 INSTANTIATE_TEST_SUITE_P(All, DefaultsContract,
-                         testing::Values(Kind{"Memory",
-                                              [](const auto& arguments) {
-                                                return std::make_unique<MemoryDefaults>(arguments);
-                                              }},
-                                         Kind{"File",
-                                              [](const auto& arguments) {
-                                                return std::make_unique<FileDefaults>(
-                                                    "/settings.json", arguments, nullptr,
-                                                    std::make_shared<FaultyDisk>());
-                                              }}),
+                         testing::Values(DefaultsKind{"Memory",
+                                                      [](const auto& arguments) {
+                                                        return std::make_unique<MemoryDefaults>(
+                                                            arguments);
+                                                      }},
+                                         DefaultsKind{"File",
+                                                      [](const auto& arguments) {
+                                                        return std::make_unique<FileDefaults>(
+                                                            "/settings.json", arguments, nullptr,
+                                                            std::make_shared<FaultyDisk>());
+                                                      }}),
                          [](const auto& test) { return test.param.name; });
 
 // The text form.

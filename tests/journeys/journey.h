@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "journeys/overlay_watch.h"
@@ -15,8 +16,8 @@ namespace plemora {
 
 /// Plays a scenario with everything but the drawing, on the virtual clock.
 struct Journey {
-  explicit Journey(const Scenario& scenario)
-      : world(scenario),
+  explicit Journey(const Scenario& scenario, StageStorage storage = StageStorage::inMemory())
+      : world(scenario, std::move(storage)),
         program(world, {.windows = world.desktop.windows,
                         .makeContent =
                             [](PanelView& view, const ControlCenterLook&) {

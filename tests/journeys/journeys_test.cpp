@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "journeys/journey.h"
+#include "support/temporary_folder.h"
 
 namespace plemora {
 namespace {
@@ -26,7 +27,12 @@ std::vector<std::string> scenarioNames() {
 struct JourneysTest : testing::TestWithParam<std::string> {};
 
 TEST_P(JourneysTest, GoesAsItShould) {
-  Journey journey(loadScenario(std::string(PLEMORA_SCENARIOS) + "/" + GetParam() + ".json"));
+  const Scenario scenario =
+      loadScenario(std::string(PLEMORA_SCENARIOS) + "/" + GetParam() + ".json");
+  const TemporaryFolder folder;
+  Journey onDisk(scenario, StageStorage::inFolder(folder.path(), "here"));
+  EXPECT_TRUE(onDisk.runner.run()) << "with files: " << onDisk.runner.problem();
+  Journey journey(scenario);
   EXPECT_TRUE(journey.runner.run()) << journey.runner.problem();
   EXPECT_THAT(journey.overlay.faults(), testing::IsEmpty());
   if (GetParam().starts_with("module")) {

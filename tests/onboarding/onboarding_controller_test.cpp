@@ -294,7 +294,7 @@ TEST(OnboardingControllerTest, AKilledProgramFindsWhatItHadBegun) {
   world.setup->show();
   world.press(SetupStep::controlCenter);
   world.desktop.advance(2);
-  world.desktop.defaults.remove("soundReplaced");  // it was killed before it wrote that
+  world.defaults.remove("soundReplaced");  // it was killed before it wrote that
   world.make();
   int preparations = 0;
   world.setup->prepareControls = [&](const auto&) { ++preparations; };

@@ -9,6 +9,7 @@
 #include "adapters/stage/desktop/stage_desktop.h"
 #include "adapters/stage/faulty_stores.h"
 #include "adapters/stage/fresh_layout.h"
+#include "adapters/stage/memory_defaults.h"
 #include "adapters/stage/memory_files.h"
 #include "adapters/stage/memory_preferences.h"
 #include "adapters/stage/scripted_hosted_view.h"
@@ -33,9 +34,10 @@ struct SetupWorld {
   MemoryPreferences programPreferences{store};
   FaultyPreferences preferences{programPreferences};
   bool isFresh = storeFreshLayout(systemPreferences);
-  StageDesktop desktop{{preferences, systemPreferences}, {.arguments = {}, .runsAudio = false}};
+  StageDesktop desktop{{preferences, systemPreferences}, {.runsAudio = false}};
   MemoryFiles files;
-  ControlCenterLook look{desktop.defaults, desktop.systemInfo, desktop.appearance};
+  MemoryDefaults defaults;
+  ControlCenterLook look{defaults, desktop.systemInfo, desktop.appearance};
   Updater updater{desktop.updates};
   ControlCenterLocator locator{desktop.screens, desktop.windowServer, desktop.accessibility,
                                preferences, desktop.workspace};
@@ -58,7 +60,7 @@ struct SetupWorld {
                                                        desktop.queues,
                                                        desktop.clock,
                                                        desktop.workspace,
-                                                       desktop.defaults,
+                                                       defaults,
                                                        desktop.consent,
                                                        desktop.systemInfo,
                                                        {},
@@ -75,8 +77,8 @@ struct SetupWorld {
 
   MenuBarServices menuBar() {
     return {
-        desktop.mainQueue,   desktop.clock, desktop.defaults, desktop.workspace,    desktop.program,
-        desktop.screens,     desktop.input, desktop.windows,  desktop.displayLinks, desktop.menuBar,
+        desktop.mainQueue,   desktop.clock, defaults,        desktop.workspace,    desktop.program,
+        desktop.screens,     desktop.input, desktop.windows, desktop.displayLinks, desktop.menuBar,
         desktop.routePicker, look,          updater};
   }
 
@@ -137,7 +139,7 @@ struct SetupWorld {
     }
     if (step > SetupStep::controlCenter) {
       storeLayout(2, false);
-      desktop.defaults.setBoolean("soundReplaced", true);
+      defaults.setBoolean("soundReplaced", true);
     }
   }
 
@@ -148,7 +150,7 @@ struct SetupWorld {
     desktop.settle();
   }
 
-  bool isSet(const std::string& key) { return desktop.defaults.boolean(key).value_or(false); }
+  bool isSet(const std::string& key) { return defaults.boolean(key).value_or(false); }
   std::vector<StepStatus> statuses() const {
     std::vector<StepStatus> result;
     for (const SetupStep step : setupSteps) {

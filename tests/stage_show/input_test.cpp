@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "adapters/stage/memory_defaults.h"
 #include "audio/mixer_model.h"
 #include "stage_show/show_rig.h"
 
@@ -9,7 +10,8 @@ namespace {
 
 /// The real panel in a window of the stage, with one app that plays.
 struct PanelOnStageTest : StageShowTest {
-  ControlCenterLook look{desktop.defaults, desktop.systemInfo, desktop.appearance};
+  MemoryDefaults defaults;
+  ControlCenterLook look{defaults, desktop.systemInfo, desktop.appearance};
   std::unique_ptr<MixerModel> mixer;
   std::unique_ptr<PanelView> view;
   std::unique_ptr<PanelWindow> window;
@@ -24,7 +26,7 @@ struct PanelOnStageTest : StageShowTest {
                                                        desktop.queues,
                                                        desktop.clock,
                                                        desktop.workspace,
-                                                       desktop.defaults,
+                                                       defaults,
                                                        desktop.consent,
                                                        desktop.systemInfo,
                                                        {},
@@ -32,9 +34,8 @@ struct PanelOnStageTest : StageShowTest {
     desktop.players.start("org.example.tune", "Tune");
     view = std::make_unique<PanelView>(
         *mixer,
-        PanelView::Services{desktop.defaults, desktop.clock, desktop.routePicker,
-                            desktop.mainQueue},
-        [] {}, [] {});
+        PanelView::Services{defaults, desktop.clock, desktop.routePicker, desktop.mainQueue}, [] {},
+        [] {});
     show.advance(1);
     const auto content = show.makeContent(*view, look);
     view->setVisible(true);

@@ -28,10 +28,16 @@ bool ManualSerialQueue::runNext() {
     work = std::move(work_.front());
     work_.pop_front();
   }
+  // Also when the work throws, as the stage does where a program is killed.
+  const struct Rest {
+    ManualSerialQueue& queue;
+    ~Rest() {
+      const std::lock_guard lock(queue.mutex_);
+      queue.isRunning_ = false;
+    }
+  } rest{*this};
   work();
   work = nullptr;
-  const std::lock_guard lock(mutex_);
-  isRunning_ = false;
   return true;
 }
 

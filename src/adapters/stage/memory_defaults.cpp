@@ -10,6 +10,12 @@ namespace plemora {
 
 namespace {
 
+bool isKey(const std::string& argument) {
+  return argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
+}
+
+}  // namespace
+
 std::optional<bool> booleanWord(std::string_view text) {
   const std::string word = lowercased(text);
   for (const std::string_view yes : {"yes", "y", "true", "t", "1"}) {
@@ -24,12 +30,6 @@ std::optional<bool> booleanWord(std::string_view text) {
   }
   return std::nullopt;
 }
-
-bool isKey(const std::string& argument) {
-  return argument.size() > 1 && argument[0] == '-' && argument[1] != '-';
-}
-
-}  // namespace
 
 MemoryDefaults::MemoryDefaults(const std::vector<std::string>& arguments) {
   for (std::size_t i = 0; i + 1 < arguments.size(); ++i) {

@@ -2,12 +2,16 @@
 
 #include <map>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
 #include "platform/user_defaults.h"
 
 namespace plemora {
+
+/// The words that count as a Bool wherever one is asked for: "YES", "true", "1" ...
+std::optional<bool> booleanWord(std::string_view text);
 
 /// Settings in memory, with a launch-argument domain on top. Main thread.
 class MemoryDefaults : public UserDefaults {

@@ -42,7 +42,7 @@ OnboardingContents undrawnOnboarding() {
 /// What lives as long as the process.
 struct ProgramOnStage::Run {
   Run(StageWorld& world, const std::vector<std::string>& arguments)
-      : defaults(arguments, world.desktop.defaults),
+      : defaults(arguments, world.defaults),
         stored(world.makePreferences()),
         look(defaults, world.desktop.systemInfo, world.desktop.appearance),
         updater(world.desktop.updates),

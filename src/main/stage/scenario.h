@@ -185,11 +185,16 @@ struct FailStep {
     fileRead,
     fileWrite,
     fileRemove,
+    accessibilityCall,
   };
   What what = What::nothing;
   int times = 1;       ///< how many calls fail; negative: all
   int after = 0;       ///< how many calls succeed before that
   bool kills = false;  ///< the program is killed there, instead of being told
+
+  // Of accessibility calls.
+  std::string of{};       ///< the attribute or the action; empty: any
+  bool vanishes = false;  ///< the element that is asked does not come back
 };
 /// Keeps Control Center's two preference values under a name, for a later comparison.
 struct RememberStep {

@@ -230,7 +230,7 @@ Problem checkControlCenter(const ControlCenterCondition& expected, StageDesktop&
   return checkTiles(expected.tiles, tiles);
 }
 
-Problem checkDefaults(const ScenarioConditions& conditions, MemoryDefaults& defaults) {
+Problem checkDefaults(const ScenarioConditions& conditions, UserDefaults& defaults) {
   for (const auto& [key, expected] : conditions.defaults) {
     const auto flag = defaults.boolean(key);
     const auto text = defaults.string(key);
@@ -387,7 +387,7 @@ std::optional<std::string> unmet(const ScenarioConditions& conditions, const Sce
     }
   }
   return firstOf(
-      {checkDefaults(conditions, desktop.defaults), checkPreferences(conditions, scene),
+      {checkDefaults(conditions, scene.world.defaults), checkPreferences(conditions, scene),
        compareFlag("that there is a backup", conditions.hasBackup, scene.world.hasBackup()),
        checkSound(conditions, scene), checkLevels(conditions, scene),
        checkDesktop(conditions, desktop),

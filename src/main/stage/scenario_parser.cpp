@@ -110,17 +110,25 @@ FailStep readFail(const ScenarioPart& part) {
                              {"preferences synchronize", What::preferenceSynchronize},
                              {"file read", What::fileRead},
                              {"file write", What::fileWrite},
-                             {"file remove", What::fileRemove}});
+                             {"file remove", What::fileRemove},
+                             {"accessibility call", What::accessibilityCall}});
   };
   if (part.isText()) {
     return {what(part)};
   }
-  part.allow({"what", "times", "after", "kills"});
   FailStep step{what(part.at("what"))};
+  if (step.what == What::accessibilityCall) {
+    part.allow({"what", "times", "after", "kills", "of", "vanishes"});
+  } else {
+    part.allow({"what", "times", "after", "kills"});
+  }
   part.read("times", step.times, [](const ScenarioPart& times) {
     return times.isText() ? times.oneOf<int>({{"always", -1}}) : times.whole(1, 1000);
   });
-  part.read("kills", step.kills, [](const ScenarioPart& kills) { return kills.flag(); });
+  const auto flag = [](const ScenarioPart& value) { return value.flag(); };
+  part.read("kills", step.kills, flag);
+  part.read("vanishes", step.vanishes, flag);
+  part.read("of", step.of, [](const ScenarioPart& of) { return of.text(); });
   part.read("after", step.after, [](const ScenarioPart& after) { return after.whole(0, 1000); });
   return step;
 }

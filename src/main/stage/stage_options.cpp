@@ -62,6 +62,10 @@ class Reader {
       return readText(argument, "a folder for the pictures", options_.tour);
     } else if (argument == "--skin") {
       return readText(argument, "a folder for the pictures", options_.skin);
+    } else if (argument == "--preferences") {
+      return readText(argument, "a folder of preferences", options_.preferences);
+    } else if (argument == "--preferences-host") {
+      return readText(argument, "the name of a machine", options_.preferencesHost);
     } else if (argument == "--audio") {
       return readAudio();
     } else if (argument == "--wallpaper") {
@@ -134,6 +138,12 @@ class Reader {
         !options_.wantsHelp) {
       return refuse("--offscreen shows nothing by itself: add --scenario or --tour");
     }
+    if (options_.skin && options_.preferences) {
+      return refuse("--skin sets up stages of its own: leave out --preferences");
+    }
+    if (options_.preferencesHost && !options_.preferences) {
+      return refuse("--preferences-host names files in the folder of --preferences");
+    }
     const bool isScript = options_.isOffscreen || options_.tour || options_.skin;
     if (isScript && options_.audio == StageOptions::Audio::pipewire) {
       return refuse("--audio pipewire needs real time, so it goes with the window alone");
@@ -173,6 +183,11 @@ std::string stageHelp() {
          "  --skin DIR          the layers of the module in Control Center, as pictures in DIR, "
          "and\n"
          "                      a table of how far it differs from the system's own; no window\n"
+         "  --preferences DIR   keep Control Center's layout and the program's settings in DIR, "
+         "as\n"
+         "                      property lists; what is there already is taken up\n"
+         "  --preferences-host NAME\n"
+         "                      the machine in the names of files there (default: this one's id)\n"
          "  --audio KIND        simulated (default), or pipewire: the sliders move real sound\n"
          "  --dark, --light     the desktop's appearance\n"
          "  --wallpaper NAME    " +

@@ -14,10 +14,12 @@ struct StageOptions {
 
   bool wantsHelp = false;
   bool isOffscreen = false;
-  std::optional<std::string> scenario;     ///< file
-  std::optional<std::string> screenshots;  ///< folder for those that the scenario takes
-  std::optional<std::string> tour;         ///< folder for the pictures of a tour
-  std::optional<std::string> skin;         ///< folder for the pictures of the module's layers
+  std::optional<std::string> scenario;         ///< file
+  std::optional<std::string> screenshots;      ///< folder for those that the scenario takes
+  std::optional<std::string> tour;             ///< folder for the pictures of a tour
+  std::optional<std::string> skin;             ///< folder for the pictures of the module's layers
+  std::optional<std::string> preferences;      ///< folder for what is to survive the program
+  std::optional<std::string> preferencesHost;  ///< this machine's name in file names there
   Audio audio = Audio::simulated;
   std::optional<bool> isDark;
   std::optional<StageWallpaper> wallpaper;

@@ -13,6 +13,7 @@
 #include <string>
 #include <utility>
 
+#include "adapters/files/preferences_host.h"
 #include "main/process/ending_signals.h"
 #include "main/stage/picture_resources.h"
 #include "main/stage/program_on_stage.h"
@@ -60,13 +61,19 @@ Scenario scenarioFor(const StageOptions& options) {
   return scenario;
 }
 
+StageStorage storageFor(const StageOptions& options) {
+  return options.preferences ? StageStorage::inFolder(*options.preferences,
+                                                      preferencesHost(options.preferencesHost))
+                             : StageStorage::inMemory();
+}
+
 /// The stage with the program on it, as long as it is shown.
 class Performance {
  public:
   Performance(const StageOptions& options, StageShow::Time time)
       : folder_(QString::fromStdString(options.tour.value_or(options.screenshots.value_or("")))),
         scenario_(scenarioFor(options)),
-        world_(scenario_),
+        world_(scenario_, storageFor(options)),
         show_(world_.desktop, time),
         sound_(options.audio == StageOptions::Audio::pipewire ? std::make_unique<StageSound>()
                                                               : nullptr),

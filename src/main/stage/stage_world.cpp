@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "adapters/stage/fresh_layout.h"
+#include "adapters/stage/memory_files.h"
 #include "adapters/stage/scripted_workspace.h"
 #include "adapters/stage/virtual_clock.h"
 #include "controlcenter/control_center_layout.h"
@@ -20,6 +21,7 @@ constexpr const char* controlsDomain = "com.apple.controlcenter";
 constexpr const char* controlsKey = "ControlCenterDisplayableChronoControlsProviderConfiguration";
 constexpr const char* boxesDomain = "com.apple.controlcenter.bentoboxes";
 constexpr const char* boxesKey = "boxes";
+constexpr const char* programDomain = "com.quorvane.mixer";
 constexpr const char* backupFile = "/Plemora/ControlCenterLayoutBackup.plist";
 
 FourCharCode transportNamed(std::string_view name) {
@@ -62,8 +64,9 @@ ScenarioWorld usualWorld() {
   return world;
 }
 
-void storeLayout(ScenarioLayout layout, const std::shared_ptr<PreferenceStore>& store) {
-  MemoryPreferences writer(store);
+void storeLayout(ScenarioLayout layout, const StageStorage& storage) {
+  const auto owned = storage.makePreferences();
+  Preferences& writer = *owned;
   const FreshLayout fresh = freshLayout();
   std::optional<PreferenceValue> boxes = PreferenceData{fresh.boxes};
   std::optional<PreferenceValue> controls = PreferenceData{fresh.controls};
@@ -88,8 +91,10 @@ void storeLayout(ScenarioLayout layout, const std::shared_ptr<PreferenceStore>& 
   }
   writer.setValue(boxesKey, boxes, boxesDomain, PreferenceHost::current);
   writer.setValue(controlsKey, controls, controlsDomain, PreferenceHost::any);
-  writer.synchronize(boxesDomain, PreferenceHost::current);
-  writer.synchronize(controlsDomain, PreferenceHost::any);
+  const bool hasBoxes = writer.synchronize(boxesDomain, PreferenceHost::current);
+  if (!writer.synchronize(controlsDomain, PreferenceHost::any) || !hasBoxes) {
+    throw ScenarioError("the preferences cannot be stored; choose a folder that can be written to");
+  }
   if (layout == ScenarioLayout::replaced) {
     // As the program has left it, but without the file in which it kept what was there before.
     MemoryFiles files;
@@ -109,10 +114,20 @@ SystemVersion versionIn(const std::string& text) {
   return version;
 }
 
-std::shared_ptr<PreferenceStore> makeStore(ScenarioLayout layout) {
-  auto store = std::make_shared<PreferenceStore>();
-  storeLayout(layout, store);
-  return store;
+/// The two preference values of Control Center, empty where there is none.
+std::string layoutIn(const StageStorage& storage) {
+  const auto reader = storage.makePreferences();
+  return bytesOf(reader->value(boxesKey, boxesDomain, PreferenceHost::current)) + '\0' +
+         bytesOf(reader->value(controlsKey, controlsDomain, PreferenceHost::any));
+}
+
+/// Whether it had to be set up first.
+bool setUpStorage(const StageStorage& storage, ScenarioLayout layout) {
+  const bool isNew = layoutIn(storage).size() == 1;
+  if (isNew) {
+    storeLayout(layout, storage);
+  }
+  return isNew;
 }
 
 }  // namespace
@@ -125,9 +140,10 @@ void StageFaults::add(const FailStep& fault) {
   }
 }
 
-bool StageFaults::passes(FailStep::What what) {
+const FailStep* StageFaults::striking(FailStep::What what, const std::string& name) {
   for (FailStep& fault : faults_) {
-    if (fault.what != what || fault.times == 0) {
+    const bool isMeant = fault.what == what && (fault.of.empty() || fault.of == name);
+    if (!isMeant || fault.times == 0) {
       continue;
     }
     if (fault.after > 0) {
@@ -138,9 +154,17 @@ bool StageFaults::passes(FailStep::What what) {
     if (fault.kills) {
       throw ProgramKilled();
     }
-    return false;
+    return &fault;
   }
-  return true;
+  return nullptr;
+}
+
+StageAnswer StageFaults::answerAccessibility(const std::string& name) {
+  const FailStep* fault = striking(FailStep::What::accessibilityCall, name);
+  if (fault == nullptr) {
+    return StageAnswer::given;
+  }
+  return fault->vanishes ? StageAnswer::vanished : StageAnswer::refused;
 }
 
 bool StageFaults::passesPreferences(const std::string& call) {
@@ -163,12 +187,22 @@ bool StageFaults::passesFiles(const std::string& call) {
   return passes(call.starts_with("read ") ? What::fileRead : What::fileWrite);
 }
 
-StageWorld::StageWorld(const Scenario& scenario)
-    : store_(makeStore(scenario.stage.layout.value_or(ScenarioLayout::fresh))),
-      desktop({sharedPreferences_, systemPreferences_}) {
+StageWorld::StageWorld(const Scenario& scenario, StageStorage storage)
+    : storage_(std::move(storage)),
+      isNew_(setUpStorage(storage_, scenario.stage.layout.value_or(ScenarioLayout::fresh))),
+      desktop({*sharedPreferences_, *systemPreferences_}),
+      defaults(makePreferences(), programDomain, desktop.mainQueue) {
   files.gate = [this](const std::string& call) { return faults.passesFiles(call); };
+  desktop.accessibility.setGate(
+      [this](const std::string& name, int) { return faults.answerAccessibility(name); });
   ScenarioWorld usual = usualWorld();
+  ScenarioWorld rest = scenario.stage;
   usual.layout.reset();
+  rest.layout.reset();
+  if (!isNew_) {
+    usual.defaults.clear();
+    rest.defaults.clear();
+  }
   if (scenario.stage.devices) {
     usual.devices = scenario.stage.devices;
   }
@@ -176,8 +210,6 @@ StageWorld::StageWorld(const Scenario& scenario)
     plug(device);
   }
   apply(usual);
-  ScenarioWorld rest = scenario.stage;
-  rest.layout.reset();
   apply(rest);
   for (const ScenarioPlayer& player : rest.players.value_or(std::vector<ScenarioPlayer>())) {
     play(player);
@@ -185,18 +217,12 @@ StageWorld::StageWorld(const Scenario& scenario)
   desktop.settle();
 }
 
-std::unique_ptr<Preferences> StageWorld::makePreferences() const {
-  return std::make_unique<MemoryPreferences>(store_);
-}
-
 bool StageWorld::hasBackup() {
-  return memoryFiles_.exists(memoryFiles_.applicationSupport() + backupFile);
+  return storage_.files->exists(storage_.files->applicationSupport() + backupFile);
 }
 
 std::string StageWorld::storedLayout() {
-  MemoryPreferences reader(store_);
-  return bytesOf(reader.value(boxesKey, boxesDomain, PreferenceHost::current)) + '\0' +
-         bytesOf(reader.value(controlsKey, controlsDomain, PreferenceHost::any));
+  return layoutIn(storage_);
 }
 
 void StageWorld::setScreens(const std::vector<ScenarioScreen>& screens) {
@@ -246,7 +272,7 @@ void StageWorld::apply(const ScenarioWorld& world) {
     desktop.controlCenter.forgetControls();
   }
   if (world.layout) {
-    storeLayout(*world.layout, store_);
+    storeLayout(*world.layout, storage_);
   }
   StageControlCenterFaults& faulty = desktop.controlCenter.faults;
   faulty.openDelay = world.controlCenter.openDelay.value_or(faulty.openDelay);
@@ -258,11 +284,11 @@ void StageWorld::apply(const ScenarioWorld& world) {
   faulty.tileGap = world.controlCenter.tileGap.value_or(faulty.tileGap);
   for (const auto& [key, value] : world.defaults) {
     if (const bool* flag = std::get_if<bool>(&value)) {
-      desktop.defaults.setBoolean(key, *flag);
+      defaults.setBoolean(key, *flag);
     } else if (const auto* text = std::get_if<std::string>(&value)) {
-      desktop.defaults.setString(key, *text);
+      defaults.setString(key, *text);
     } else {
-      desktop.defaults.remove(key);
+      defaults.remove(key);
     }
   }
 }

@@ -6,11 +6,11 @@
 
 #include "adapters/stage/desktop/stage_desktop.h"
 #include "adapters/stage/faulty_stores.h"
-#include "adapters/stage/memory_files.h"
-#include "adapters/stage/memory_preferences.h"
+#include "adapters/stage/preference_defaults.h"
 #include "adapters/stage/scripted_control_reload.h"
 #include "adapters/stage/scripted_notifications.h"
 #include "main/stage/scenario.h"
+#include "main/stage/stage_storage.h"
 
 namespace plemora {
 
@@ -27,9 +27,12 @@ class StageFaults {
   /// See StoreGate.
   bool passesPreferences(const std::string& call);
   bool passesFiles(const std::string& call);
+  StageAnswer answerAccessibility(const std::string& name);
 
  private:
-  bool passes(FailStep::What what);
+  /// The one that strikes this call; null: none does.
+  const FailStep* striking(FailStep::What what, const std::string& name = {});
+  bool passes(FailStep::What what) { return striking(what) == nullptr; }
 
   std::vector<FailStep> faults_;
 };
@@ -38,26 +41,29 @@ class StageFaults {
 /// thread.
 class StageWorld {
  public:
-  /// With that set up, as far as it is said. Throws ScenarioError: what only the stage can refuse.
-  explicit StageWorld(const Scenario& scenario);
+  /// With that set up, as far as it is said; but a storage that holds a layout of Control Center
+  /// keeps that and the settings. Throws ScenarioError: what only the stage can refuse, and a
+  /// storage that cannot be written to.
+  explicit StageWorld(const Scenario& scenario, StageStorage storage = StageStorage::inMemory());
   StageWorld(const StageWorld&) = delete;
   StageWorld& operator=(const StageWorld&) = delete;
 
  private:
-  const std::shared_ptr<PreferenceStore> store_;
-  MemoryPreferences systemPreferences_{store_};
-  MemoryPreferences sharedPreferences_{store_};
-  MemoryFiles memoryFiles_;
+  const StageStorage storage_;
+  const bool isNew_;
+  const std::unique_ptr<Preferences> systemPreferences_ = storage_.makePreferences();
+  const std::unique_ptr<Preferences> sharedPreferences_ = storage_.makePreferences();
 
  public:
   StageFaults faults;
-  FaultyFiles files{memoryFiles_};
+  FaultyFiles files{*storage_.files};
   ScriptedNotifications notifications;
   ScriptedControlReload controlReload;
   StageDesktop desktop;
+  PreferenceDefaults defaults;  ///< of the program
 
   /// Of a program that starts now: what it does not synchronize is lost with them.
-  std::unique_ptr<Preferences> makePreferences() const;
+  std::unique_ptr<Preferences> makePreferences() const { return storage_.makePreferences(); }
   /// Whether the file in which the program keeps the layout of before exists.
   bool hasBackup();
 

@@ -7,18 +7,14 @@ namespace plemora {
 struct StageAccessibility::State {
   bool isTrusted = true;
   int calls = 0;
-  std::function<void(int)> beforeCall;
+  std::function<StageAnswer(const std::string&, int)> gate;
   std::map<std::int32_t, AccessibilityElementPointer> applications;
 
-  /// Whether the call may be answered.
-  bool enter() {
+  StageAnswer answer(const std::string& name) {
     const int call = ++calls;
-    if (beforeCall) {
-      // A copy, since it may replace itself.
-      const auto before = beforeCall;
-      before(call);
-    }
-    return isTrusted;
+    const auto asked = gate;  // a copy, since it may replace itself
+    const StageAnswer answer = asked ? asked(name, call) : StageAnswer::given;
+    return answer == StageAnswer::given && !isTrusted ? StageAnswer::refused : answer;
   }
 };
 
@@ -30,8 +26,7 @@ class StageAccessibility::Element : public AccessibilityElement {
       : state_(std::move(state)), inner_(std::move(inner)) {}
 
   std::optional<AccessibilityValue> attribute(const std::string& name) override {
-    const auto state = state_.lock();
-    if (!state || !state->enter() || !inner_) {
+    if (!mayAsk(name)) {
       return std::nullopt;
     }
     auto value = inner_->attribute(name);
@@ -42,11 +37,19 @@ class StageAccessibility::Element : public AccessibilityElement {
   }
 
   bool perform(const std::string& action) override {
-    const auto state = state_.lock();
-    return state && state->enter() && inner_ && inner_->perform(action);
+    return mayAsk(action) && inner_->perform(action);
   }
 
  private:
+  bool mayAsk(const std::string& name) {
+    const auto state = state_.lock();
+    const StageAnswer answer = state ? state->answer(name) : StageAnswer::refused;
+    if (answer == StageAnswer::vanished) {
+      inner_.reset();
+    }
+    return answer == StageAnswer::given && inner_;
+  }
+
   void wrap(AccessibilityValue& value) const {
     const auto wrapped = [this](AccessibilityElementPointer& element) {
       element = std::make_shared<Element>(state_, std::move(element));
@@ -61,7 +64,7 @@ class StageAccessibility::Element : public AccessibilityElement {
   }
 
   std::weak_ptr<State> state_;
-  AccessibilityElementPointer inner_;  // null: of a process that is not there
+  AccessibilityElementPointer inner_;  // null: what it stood for is not there
 };
 
 StageAccessibility::StageAccessibility() : state_(std::make_shared<State>()) {}
@@ -73,8 +76,9 @@ void StageAccessibility::setTrusted(bool isTrusted) {
   isAsking_ = isAsking_ && !isTrusted;
 }
 
-void StageAccessibility::setBeforeCall(std::function<void(int call)> beforeCall) {
-  state_->beforeCall = std::move(beforeCall);
+void StageAccessibility::setGate(
+    std::function<StageAnswer(const std::string& name, int call)> gate) {
+  state_->gate = std::move(gate);
 }
 
 int StageAccessibility::calls() const {

@@ -4,11 +4,19 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "adapters/stage/observer_list.h"
 #include "platform/accessibility.h"
 
 namespace plemora {
+
+/// What becomes of a call to an element.
+enum class StageAnswer {
+  given,
+  refused,   ///< this once
+  vanished,  ///< the element is gone for good; whoever looks for it again finds another one
+};
 
 /// The interfaces of the stage's processes. Main thread, where the stage's queues run; elements may
 /// outlive it, and whatever they stand for.
@@ -21,9 +29,10 @@ class StageAccessibility : public Accessibility {
 
   /// Whether the user lets the program use them; elements that it holds feel it at once.
   void setTrusted(bool isTrusted);
-  /// Called before each attribute is read and each action is performed, with the number of such
-  /// calls so far. It may change the stage: so do things vanish half way.
-  void setBeforeCall(std::function<void(int call)> beforeCall);
+  /// Asked before each attribute is read and each action is performed, with its name and the
+  /// number of such calls so far. It may change the stage: so do things vanish half way. None:
+  /// every call is answered.
+  void setGate(std::function<StageAnswer(const std::string& name, int call)> gate);
   int calls() const;
 
   /// The elements of a process are these, until none is given.

@@ -19,7 +19,6 @@ constexpr double menuBarHeight = 24;
 
 StageDesktop::StageDesktop(PreferencePair preferencePair, const StageDesktopOptions& options)
     : preferences(preferencePair),
-      defaults(options.arguments),
       program(workspace, windows),
       menuBar(screens, numbers, [this] { return std::pair(program.pid(), program.name()); }),
       controlCenter({mainQueue, clock, screens, preferences.system, workspace, menuBar,

@@ -18,7 +18,6 @@
 #include "adapters/stage/desktop/stage_window_server.h"
 #include "adapters/stage/desktop/stage_workspace.h"
 #include "adapters/stage/manual_serial_queue.h"
-#include "adapters/stage/memory_defaults.h"
 #include "adapters/stage/scripted_appearance.h"
 #include "adapters/stage/scripted_consent.h"
 #include "adapters/stage/scripted_control_reload.h"
@@ -38,7 +37,6 @@
 namespace plemora {
 
 struct StageDesktopOptions {
-  std::vector<std::string> arguments{};  ///< of the program, for its defaults
   /// Whether the hardware layer runs as time goes by while a process plays.
   bool runsAudio = true;
 };
@@ -74,7 +72,6 @@ class StageDesktop {
 
   // The program's own.
   PreferencePair preferences;
-  MemoryDefaults defaults;
   ScriptedConsent consent;
   ScriptedLoginItem loginItem;
   ScriptedUpdateService updates;
