@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "pipewire/gain_track.h"
@@ -98,6 +99,29 @@ TEST(Tap, KeepsTheChannelsOfASurroundSinkApart) {
   for (unsigned channel = 0; channel < 6; ++channel) {
     EXPECT_TRUE(isHalf(heard, channel)) << channel << ": " << gainTrack(heard, channel, 0.5).text();
   }
+}
+
+TEST(Tap, GathersTheAppsOfASinkOnOneFilter) {
+  TapRig rig;
+  const auto filters = [&] {
+    rig.session.graph().sync();
+    const auto nodes = rig.session.graph().nodes();
+    return std::count_if(nodes.begin(), nodes.end(), [](const NodeView& node) {
+      return node.name() == "com.quorvane.mixer.correction";
+    });
+  };
+  // One more than the first filter has room for.
+  std::vector<std::unique_ptr<TonePlayer>> players;
+  std::vector<std::unique_ptr<AppTap>> taps;
+  for (int i = 0; i < 9; ++i) {
+    players.push_back(
+        rig.play({.name = "app" + std::to_string(i), .signal = Signal::constant(0.0625)}));
+    ASSERT_TRUE(taps.emplace_back(rig.tap(*players.back(), quarter)));
+  }
+  SinkRecorder recorder(rig.session, "first");
+  EXPECT_TRUE(rig.eventually(5, [&] { return filters() == 2; }));
+  EXPECT_TRUE(rig.eventually(10, [&] { return filters() == 1; }));
+  EXPECT_TRUE(rig.hears(recorder, 9 * 0.0625f * quarter)) << recorder.next(1)[0].back();
 }
 
 TEST(Tap, SixtyFourAppsAreAllRight) {

@@ -251,6 +251,38 @@ TEST_F(CorrectionRendererTest, ASuccessorTakesOverWithoutLosingOrDoublingASample
   }
 }
 
+TEST_F(CorrectionRendererTest, AStreamChangesFiltersWithoutASampleThatDiffers) {
+  // Both filters play to the stream's own sink.
+  for (const bool predecessorFirst : {true, false}) {
+    SCOPED_TRACE(predecessorFirst);
+    FakePorts older;
+    FakePorts newer;
+    const auto samples = older.stream(0, 1.0f);
+    older.inputs[1] = samples;
+    newer.inputs = older.inputs;
+    Tap tap(0.5f);
+    const auto predecessor = slotAt(0, 0, 1.0f);
+    const auto successor = slotAt(0, 0, 0.0f);
+    successor->startsWhenFed = true;
+    successor->isLikePredecessor = true;
+    successor->predecessor = predecessor.get();
+    for (int round = 0; round < 3; ++round) {
+      older.sink(0, 2);
+      newer.sink(0, 2);
+      ++cycles;
+      for (const bool isOlder : {predecessorFirst, !predecessorFirst}) {
+        renderCorrections({{&tap.block, 0, {isOlder ? predecessor.get() : successor.get()}}}, {2},
+                          cycles, frames, isOlder ? older : newer, scratch);
+      }
+      for (std::uint32_t i = 0; i < frames; ++i) {
+        ASSERT_EQ(samples[i] + older.heard(0)[i] + newer.heard(0)[i], 0.5f * samples[i]) << round;
+      }
+    }
+    EXPECT_EQ(successor->weight.load(), 1.0f);
+    EXPECT_EQ(predecessor->targetWeight.load(), 0.0f);
+  }
+}
+
 TEST_F(CorrectionRendererTest, CountsTheCyclesInWhichALinkedInputStaysEmpty) {
   ports.stream(0, 1.0f);
   ports.stream(1, 1.0f);

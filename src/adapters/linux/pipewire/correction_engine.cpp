@@ -104,16 +104,18 @@ void CorrectionEngine::claimStreams(const GraphMirror& mirror, const AudioObject
   }
 }
 
-// All streams of a tap belong on one filter: its gain ramps in the first one that renders it in a
-// cycle, and would step in the others.
+// All streams to the same sinks belong on one filter: each filter wakes the server and us once more
+// in every cycle, and an app's gain ramps in the first one that renders it and would step in
+// others. What is still being linked is heard where it is first.
 bool CorrectionEngine::belongsElsewhere(const Placement& placement, double now) const {
   const CorrectionFilter& filter = *placement.slot().filter;
-  return std::any_of(placements_.begin(), placements_.end(), [&](const Placement& other) {
-    const CorrectionFilter& larger = *other.slot().filter;
-    return other.correction() == placement.correction() &&
-           other.phase() != Placement::Phase::leaving && larger.slotCount() > filter.slotCount() &&
-           larger.sinks() == filter.sinks() && filters_.hasRoom(larger, now);
-  });
+  return placement.phase() == Placement::Phase::live &&
+         std::any_of(placements_.begin(), placements_.end(), [&](const Placement& other) {
+           const CorrectionFilter& larger = *other.slot().filter;
+           return other.phase() != Placement::Phase::leaving &&
+                  larger.slotCount() > filter.slotCount() && larger.sinks() == filter.sinks() &&
+                  filters_.hasRoom(larger, now);
+         });
 }
 
 // Whether the placement is just what its stream needs, or will need.
@@ -214,6 +216,12 @@ void CorrectionEngine::changeOver(const GraphMirror& mirror, double now) {
       continue;
     }
     if (!placement.isReady(runs, !others.empty())) {
+      continue;
+    }
+    // From one filter to another it changes in the midst of a cycle, whichever of them runs first.
+    if (runs && others.size() == 1 && !placement.hasStarted() && placement.isDirect() &&
+        placement.isLike(*others.front())) {
+      placement.startWhenFed(*others.front());
       continue;
     }
     if (claims_.find(placement.stream(), placement.home())->isExpected || !placement.isDirect()) {

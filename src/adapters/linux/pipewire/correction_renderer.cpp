@@ -209,6 +209,9 @@ class TapCycle {
 
   // Moves a slot's weight on and says what part it takes in this cycle.
   Share advance(CorrectionSlot& slot) const {
+    if (slot.passedIn == cycle_ && slot.isLikePredecessor.load(std::memory_order_relaxed)) {
+      return {&slot, 0.0f, 0.0f, true};
+    }
     const float from = slot.weight.load(std::memory_order_relaxed);
     const float to = slot.targetWeight.load(std::memory_order_relaxed);
     if (from != to) {

@@ -31,6 +31,10 @@ struct CorrectionSlot {
   /// starts, so that every sample is heard once. Set by the event thread, which takes it back
   /// before it frees that slot; cleared by the real-time thread once it has been used.
   std::atomic<CorrectionSlot*> predecessor = nullptr;
+  /// The predecessor adds just what this one will: in a cycle in which it has been heard, nothing
+  /// is left to do, not even to take away the direct path. Set by the event thread before
+  /// startsWhenFed.
+  std::atomic<bool> isLikePredecessor = false;
   /// Bit per channel: a link feeds it. Set by the event thread.
   std::atomic<std::uint32_t> linkedChannels = 0;
   /// Bit per channel: samples have arrived since the event thread cleared it, at whatever weight.

@@ -16,7 +16,7 @@ struct FilterSlot {
 };
 
 /// The filters in use, by the sinks that they span. A full one gets a larger one beside it, to
-/// which its streams may move; one that is no longer used goes after a while. With the loop's lock
+/// which its streams move; one that is no longer used goes after a while. With the loop's lock
 /// held.
 class FilterPool {
  public:

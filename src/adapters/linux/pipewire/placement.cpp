@@ -202,6 +202,9 @@ double Placement::nextLook(bool streamRuns) const {
        (streamRuns && std::any_of(links_.begin(), links_.end(), [this](const InputLink& input) {
           return !input.link->isActive() || !hasHeard(input);
         })));
+  if (isArmed_ && phase_ == Phase::linking) {
+    return lookSeconds;
+  }
   if (!isWaiting) {
     return streamRuns && phase_ == Phase::live ? healthySeconds : 0;
   }
@@ -237,8 +240,15 @@ void Placement::startWhenFed(const Placement& predecessor) {
   if (!isArmed_) {
     isArmed_ = true;
     renderSlot_->predecessor.store(predecessor.renderSlot(), std::memory_order_relaxed);
+    renderSlot_->isLikePredecessor.store(isLike(predecessor), std::memory_order_relaxed);
     renderSlot_->startsWhenFed.store(true, std::memory_order_relaxed);
   }
+}
+
+bool Placement::isLike(const Placement& predecessor) const {
+  return correction_ == predecessor.correction_ && home_ == predecessor.home_ &&
+         slot_.filter->sinks() == predecessor.slot_.filter->sinks() &&
+         predecessor.renderSlot_->weight.load(std::memory_order_relaxed) == 1.0f;
 }
 
 void Placement::forget(const Placement& predecessor) {

@@ -80,6 +80,9 @@ class Placement {
   /// From the first cycle on that comes through, it is there at once, without another word, and the
   /// one that has had the stream until then is not.
   void startWhenFed(const Placement& predecessor);
+  /// What the predecessor adds is, bit for bit, what this one would add in its place: the same
+  /// correction, on another filter for the same sinks.
+  bool isLike(const Placement& predecessor) const;
   /// The predecessor is about to be freed.
   void forget(const Placement& predecessor);
   /// That cycle has come.
