@@ -1,17 +1,25 @@
 // Measures, side by side in one run in a private session: apps on their direct path, tapped by the
 // program, and each behind a pw-loopback, as a user would set it up for a volume of its own.
-//   tap_compare [--seconds N] [--apps 1,8,32,64] [--quanta 1024,256] [--clients native,pulse]
-// The apps play through the server's own protocol ("native": each wakes up in every cycle) or, as
-// most programs on a desktop do, through the PulseAudio server in front of it ("pulse").
+//   tap_compare [--seconds N] [--rounds N] [--apps 1,8,32,64] [--quanta 1024,256]
+//               [--clients native,pulse]
+// Each app is a process of its own. It plays through the server's own protocol ("native": the
+// server wakes each of them in every cycle) or, as most programs on a desktop do, through the
+// PulseAudio server in front of it ("pulse": one process that the server wakes once for each).
+// Counted is the processor time of the sound server, all of it: also what it spends on waking the
+// apps and mixing them, which "direct" shows and neither way can spare. With it goes that of our
+// process, or of all the pw-loopbacks. The apps, the PulseAudio server and the session manager are
+// not counted. In each round the three ways follow each other; shown are the medians of the rounds.
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -29,6 +37,7 @@ using namespace plemora::rig;
 
 struct Settings {
   double seconds = 5;
+  int rounds = 3;
   std::vector<int> apps = {1, 8, 32, 64};
   std::vector<int> quanta = {1024, 256};
   std::vector<std::string> clients = {"native", "pulse"};
@@ -54,7 +63,8 @@ class Loopbacks {
     }
     for (int i = 0; i < count; ++i) {
       if (!eventually(10, [&] { return session.graph().sync() && move(i); }) ||
-          !session.waitForLink(nameOf(i), "loop-" + nameOf(i))) {
+          !session.waitForLink(nameOf(i), "loop-" + nameOf(i)) ||
+          !session.waitForLink("loop-" + nameOf(i) + "-out", "first")) {
         throw std::runtime_error("an app does not reach its loopback\n" + session.logs());
       }
     }
@@ -93,6 +103,15 @@ class Loopbacks {
   std::vector<std::unique_ptr<ChildProcess>> processes_;
 };
 
+/// Waits until all apps play on their direct path.
+void waitForApps(PrivateSession& session, int count) {
+  for (int i = 0; i < count; ++i) {
+    if (!session.waitForLink(nameOf(i), "first")) {
+      throw std::runtime_error(nameOf(i) + " does not play\n" + session.logs());
+    }
+  }
+}
+
 std::vector<std::unique_ptr<TonePlayer>> startApps(PrivateSession& session, int count,
                                                    const Signal& signal) {
   std::vector<std::unique_ptr<TonePlayer>> apps;
@@ -100,11 +119,7 @@ std::vector<std::unique_ptr<TonePlayer>> startApps(PrivateSession& session, int 
     apps.push_back(
         std::make_unique<TonePlayer>(session, ToneOptions{.name = nameOf(i), .signal = signal}));
   }
-  for (int i = 0; i < count; ++i) {
-    if (!session.waitForLink(nameOf(i), "first")) {
-      throw std::runtime_error(nameOf(i) + " does not play\n" + session.logs());
-    }
-  }
+  waitForApps(session, count);
   return apps;
 }
 
@@ -135,11 +150,7 @@ std::vector<std::unique_ptr<ChildProcess>> startPulseApps(PrivateSession& sessio
     options.logFile = session.directory() + "/players.log";
     apps.push_back(std::make_unique<ChildProcess>(options));
   }
-  for (int i = 0; i < count; ++i) {
-    if (!session.waitForLink(nameOf(i), "first")) {
-      throw std::runtime_error(nameOf(i) + " does not play\n" + session.logs());
-    }
-  }
+  waitForApps(session, count);
   return apps;
 }
 
@@ -170,24 +181,59 @@ Cost measureCost(PrivateSession& session, double seconds, Ours ours) {
           (cpuMilliseconds(server) - serverBefore) / took.count()};
 }
 
-void printCost(const Settings& settings, PrivateSession& session, int count, int quantum) {
-  const auto direct = measureCost(session, settings.seconds, [] { return 0.0; });
+/// One round: the three ways, one after the other.
+struct Round {
+  Cost direct;
   Cost tapped;
+  Cost looped;
+};
+
+Round measureRound(const Settings& settings, PrivateSession& session, int count) {
+  Round round;
+  waitForApps(session, count);
+  round.direct = measureCost(session, settings.seconds, [] { return 0.0; });
   {
     ProgramUnderTest plemora(session);
     turnDown(plemora, count);
-    tapped = measureCost(session, settings.seconds,
-                         [&] { return cpuMilliseconds(plemora.process().pid()); });
-    tapped.megabytes = static_cast<double>(plemora.residentKiB()) / 1024;
+    round.tapped = measureCost(session, settings.seconds,
+                               [&] { return cpuMilliseconds(plemora.process().pid()); });
+    round.tapped.megabytes = static_cast<double>(plemora.residentKiB()) / 1024;
     plemora.process().stop();
   }
-  Loopbacks loopbacks(session, count);
-  auto looped = measureCost(session, settings.seconds, [&] { return loopbacks.cpu(); });
-  looped.megabytes = static_cast<double>(loopbacks.residentKiB()) / 1024;
-  std::printf("%5d %8d | %8.1f | %6.1f / %5.1f  %5.1f MB | %6.1f / %5.1f  %5.0f MB | 1/%.1f\n",
-              count, quantum, direct.server, tapped.ours, tapped.server, tapped.megabytes,
-              looped.ours, looped.server, looped.megabytes,
-              (looped.ours + looped.server) / (tapped.ours + tapped.server));
+  const Loopbacks loopbacks(session, count);
+  round.looped = measureCost(session, settings.seconds, [&] { return loopbacks.cpu(); });
+  round.looped.megabytes = static_cast<double>(loopbacks.residentKiB()) / 1024;
+  return round;
+}
+
+void printCost(const Settings& settings, PrivateSession& session, int count, int quantum) {
+  std::vector<Round> rounds;
+  for (int i = 0; i < settings.rounds; ++i) {
+    rounds.push_back(measureRound(settings, session, count));
+  }
+  const auto median = [&](const auto& valueOf) {
+    std::vector<double> values;
+    std::transform(rounds.begin(), rounds.end(), std::back_inserter(values), valueOf);
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+  };
+  const auto print = [&](const char* end, Cost Round::*way) {
+    std::printf(" %6.1f / %5.1f  %5.1f MB %s",
+                median([&](const Round& round) { return (round.*way).ours; }),
+                median([&](const Round& round) { return (round.*way).server; }),
+                median([&](const Round& round) { return (round.*way).megabytes; }), end);
+  };
+  const auto all = [](const Cost& cost) { return cost.ours + cost.server; };
+  std::printf("%5d %8d | %8.1f |", count, quantum,
+              median([](const Round& round) { return round.direct.server; }));
+  print("|", &Round::tapped);
+  print("|", &Round::looped);
+  std::printf(" 1/%-5.1f 1/%.1f\n",
+              median([&](const Round& round) { return all(round.looped) / all(round.tapped); }),
+              median([&](const Round& round) {
+                return (all(round.looped) - all(round.direct)) /
+                       (all(round.tapped) - all(round.direct));
+              }));
   std::fflush(stdout);
 }
 
@@ -197,7 +243,7 @@ void printCosts(const Settings& settings) {
         "\nCPU, ms per second of audio: ours / the server's; resident memory of ours; %s apps\n",
         clients.c_str());
     std::printf("%5s %8s | %8s | %24s | %24s | %s\n", "apps", "quantum", "direct", "plemora",
-                "pw-loopback", "together, of pw-loopback's");
+                "pw-loopback", "of pw-loopback's: together, beyond direct");
     for (const int quantum : settings.quanta) {
       for (const int count : settings.apps) {
         PrivateSession session;
@@ -342,6 +388,8 @@ int main(int argc, char** argv) {
       const std::string option = argv[i];
       if (option == "--seconds") {
         settings.seconds = std::stod(argv[i + 1]);
+      } else if (option == "--rounds") {
+        settings.rounds = std::stoi(argv[i + 1]);
       } else if (option == "--apps") {
         settings.apps = numbers(argv[i + 1]);
       } else if (option == "--quanta") {
@@ -350,8 +398,8 @@ int main(int argc, char** argv) {
         settings.clients = words(argv[i + 1]);
       } else {
         std::fprintf(stderr,
-                     "usage: tap_compare [--seconds N] [--apps 1,8] [--quanta 1024,256] "
-                     "[--clients native,pulse]\n");
+                     "usage: tap_compare [--seconds N] [--rounds N] [--apps 1,8] "
+                     "[--quanta 1024,256] [--clients native,pulse]\n");
         return 2;
       }
     }
