@@ -138,6 +138,7 @@ TEST_F(ControlCenterSkinTest, FadesInAfterAMomentOrShowsAtOnce) {
   tick();
   setPanel(1);
   tick();
+  EXPECT_TRUE(skin->isShowing());
   EXPECT_EQ(alpha(), 0) << "that was meant for a panel that did not come";
 }
 
