@@ -126,6 +126,7 @@ TEST(ScenarioParserTest, NamesFileStepMistakeAndWhatIsAllowed) {
       {step(R"({"open": {"url": "panel"}})"), "a.json: step 2 (open), \"url\": must begin with"},
       {step(R"({"start": {"program": "Music", "arguments": []}})"),
        "a.json: step 2 (start), \"arguments\": only \"Plemora\" takes any"},
+      {step(R"({"fail": {"what": "file read", "of": "AXRole"}})"), "\"of\" is not known here"},
       {step(R"({"fail": "everything"})"), "it may be \"nothing\", \"preferences read\""},
       {step(R"({"change": {}})"), "a.json: step 2 (change): changes nothing"},
       {step(R"({"change": {"devices": []}})"), "step 2 (change): \"devices\" is not known here"},

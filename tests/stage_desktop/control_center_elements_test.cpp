@@ -80,6 +80,19 @@ TEST_F(ControlCenterElements, AreSafeToUseWhateverVanishesAtWhateverStep) {
   }
 }
 
+TEST_F(ControlCenterElements, ThatVanishStayAwayAndAreFoundAnew) {
+  begin();
+  const Program program(*desktop, programPreferences);
+  const auto item = program.locator.menuItem();
+  ASSERT_TRUE(item);
+  desktop->accessibility.setGate([](const std::string&, int) { return StageAnswer::vanished; });
+  EXPECT_FALSE(item->attribute("AXIdentifier"));
+  desktop->accessibility.setGate(nullptr);
+  EXPECT_FALSE(item->attribute("AXIdentifier"));
+  EXPECT_FALSE(item->perform("AXPress"));
+  EXPECT_TRUE(program.locator.menuItem()->attribute("AXIdentifier"));
+}
+
 }  // namespace
 
 }  // namespace plemora

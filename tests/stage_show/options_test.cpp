@@ -11,9 +11,24 @@ using Arguments = std::vector<std::string>;
 
 TEST(StageOptions, UnderstandsWhatItSaysItDoes) {
   std::string problem;
-  const Arguments all = {"--scenario", "a.json",      "--screenshots", "out",      "--offscreen",
-                         "--dark",     "--wallpaper", "noisy",         "--scale",  "1.5",
-                         "--speed",    "2",           "--audio",       "simulated"};
+  const Arguments all = {"--scenario",
+                         "a.json",
+                         "--screenshots",
+                         "out",
+                         "--offscreen",
+                         "--dark",
+                         "--wallpaper",
+                         "noisy",
+                         "--scale",
+                         "1.5",
+                         "--speed",
+                         "2",
+                         "--audio",
+                         "simulated",
+                         "--preferences",
+                         "p",
+                         "--preferences-host",
+                         "mac"};
   const auto options = parseStageOptions(all, problem);
   ASSERT_TRUE(options) << problem;
   EXPECT_EQ(options->scenario, "a.json");
@@ -23,6 +38,8 @@ TEST(StageOptions, UnderstandsWhatItSaysItDoes) {
   EXPECT_EQ(options->wallpaper, StageWallpaper::noisy);
   EXPECT_EQ(options->scale, 1.5);
   EXPECT_EQ(options->speed, 2);
+  EXPECT_EQ(options->preferences, "p");
+  EXPECT_EQ(options->preferencesHost, "mac");
   EXPECT_EQ(options->audio, StageOptions::Audio::simulated);
 
   const Arguments live = {"--audio", "pipewire", "--light"};
@@ -41,6 +58,9 @@ TEST(StageOptions, SaysWhatIsWrongAndWhatIsAllowed) {
       {{"--loud"}, "unknown option \"--loud\""},
       {{"--scenario"}, "--scenario needs the file of a scenario after it"},
       {{"--skin", "d", "--tour", "d"}, "--skin makes pictures of its own"},
+      {{"--skin", "d", "--preferences", "d"}, "--skin sets up stages of its own"},
+      {{"--preferences"}, "--preferences needs a folder of preferences after it"},
+      {{"--preferences-host", "mac"}, "--preferences-host names files in the folder of"},
       {{"--audio", "loud"}, "--audio needs \"simulated\" or \"pipewire\" after it"},
       {{"--wallpaper", "sea"}, "--wallpaper needs one of these names after it: photograph"},
       {{"--scale", "0"}, "--scale needs a number from 1 to 4 after it"},
