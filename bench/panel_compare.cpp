@@ -1,7 +1,9 @@
 // Measures, side by side in one run on a private desktop, Plemora's panel against the mixers that
 // people use on such a desktop: how soon something is seen, what it keeps in memory, what it costs
 // while a slider is dragged and while nothing is done.
-//   panel_compare [--seconds N] [--clicks N] [--bin FOLDER] [--pictures FOLDER]
+//   panel_compare [--seconds N] [--starts N] [--clicks N] [--bin FOLDER] [--pictures FOLDER]
+//                 [--maps FOLDER] [--others no]
+// The maps are what the kernel says of each piece of Plemora's memory, before and after opening.
 // Every time is that of the X server: what was drawn into the window, and when the screen showed
 // it. The other mixers have no icon: starting them is the click that opens them.
 
@@ -33,9 +35,12 @@ using Clock = std::chrono::steady_clock;
 
 struct Settings {
   double seconds = 5;
+  int starts = 5;
   int clicks = 20;
   std::string bin = PLEMORA_BIN_DIR;
   std::string pictures = {};
+  std::string maps = {};
+  bool withOthers = true;
 };
 
 /// What /proc says of a process at a moment.
@@ -128,6 +133,10 @@ class Measured {
                 what.c_str(), static_cast<double>(residentKiBOf(pid())) / 1024,
                 ownMegabytes(pid()));
     std::fflush(stdout);
+    if (!settings_.maps.empty()) {
+      std::ofstream(settings_.maps + "/" + name_ + "-" + what + ".smaps")
+          << std::ifstream("/proc/" + std::to_string(pid()) + "/smaps").rdbuf();
+    }
   }
 
   void printTimes(const std::string& what, std::vector<double> drawn, std::vector<double> seen) {
@@ -212,7 +221,7 @@ void measurePlemora(const Settings& settings, PrivateSession& session, WatchedDe
     }
   };
   // Several starts, since each has one first click only.
-  for (int round = 0; round < 5; ++round) {
+  for (int round = 0; round < settings.starts; ++round) {
     Instant start;
     plemora.stop();
     icon = desktop.iconAfter([&] {
@@ -224,7 +233,7 @@ void measurePlemora(const Settings& settings, PrivateSession& session, WatchedDe
     }
     started.push_back(milliseconds(start, icon->second));
     Measured::sleepFor(4);
-    if (round == 4) {
+    if (round == settings.starts - 1) {
       plemora.printMemory("before the first opening");
       plemora.printCost("idle, never opened");
     }
@@ -319,16 +328,22 @@ int main(int argc, char** argv) {
       const std::string option = argv[i];
       if (option == "--seconds") {
         settings.seconds = std::stod(argv[i + 1]);
+      } else if (option == "--starts") {
+        settings.starts = std::stoi(argv[i + 1]);
       } else if (option == "--clicks") {
         settings.clicks = std::stoi(argv[i + 1]);
       } else if (option == "--bin") {
         settings.bin = argv[i + 1];
       } else if (option == "--pictures") {
         settings.pictures = argv[i + 1];
+      } else if (option == "--maps") {
+        settings.maps = argv[i + 1];
+      } else if (option == "--others") {
+        settings.withOthers = std::string(argv[i + 1]) != "no";
       } else {
         std::fprintf(stderr,
-                     "usage: panel_compare [--seconds N] [--clicks N] [--bin FOLDER] "
-                     "[--pictures FOLDER]\n");
+                     "usage: panel_compare [--seconds N] [--starts N] [--clicks N] [--bin FOLDER] "
+                     "[--pictures FOLDER] [--maps FOLDER] [--others no]\n");
         return 2;
       }
     }
@@ -340,8 +355,10 @@ int main(int argc, char** argv) {
     session.waitForLink("two", "first");
     WatchedDesktop desktop(session);
     measurePlemora(settings, session, desktop);
-    measureOther(settings, session, desktop, {"pavucontrol", "--tab=1"}, 100, 242, 230);
-    measureOther(settings, session, desktop, {"pavucontrol-qt", "--tab=1"}, 100, 413, 248);
+    if (settings.withOthers) {
+      measureOther(settings, session, desktop, {"pavucontrol", "--tab=1"}, 100, 242, 230);
+      measureOther(settings, session, desktop, {"pavucontrol-qt", "--tab=1"}, 100, 413, 248);
+    }
   } catch (const std::exception& error) {
     std::fprintf(stderr, "panel_compare: %s\n", error.what());
     return 1;

@@ -61,6 +61,12 @@ void BackdropFilter::setBackdrop(BackdropImage image, const Rect& covers) {
   key_ = {};
 }
 
+void BackdropFilter::forgetPixels() {
+  image_ = {};
+  blurred_ = {};
+  key_ = {};
+}
+
 double BackdropFilter::reach(const GlassLook& look, double scale) {
   return marginInPixels(look, scale) / scale;
 }

@@ -28,6 +28,9 @@ class BackdropFilter {
     render(look, scale, target.bounds(), target);
   }
 
+  /// As if there had never been a backdrop.
+  void forgetPixels();
+
   int blurCount() const { return blurCount_; }
 
  private:

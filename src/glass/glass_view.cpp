@@ -140,6 +140,13 @@ class GlassView::State : public std::enable_shared_from_this<State> {
     return picture_;
   }
 
+  void forgetPixels() {
+    filter_.forgetPixels();
+    glass_ = {};
+    picture_ = {};
+    isStale_ = true;
+  }
+
   int effectBlurCount() const {
     int count = 0;
     for (const Added& added : added_) {
@@ -348,6 +355,10 @@ void GlassView::setChangeHandler(std::function<void()> changed) {
 
 const Raster& GlassView::render() {
   return state_->render();
+}
+
+void GlassView::forgetPixels() {
+  state_->forgetPixels();
 }
 
 int GlassView::blurCount() const {

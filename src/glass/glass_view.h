@@ -66,6 +66,9 @@ class GlassView {
   /// The picture of the view's size times its scale, rounded up. Valid until the next call of
   /// anything here; unchanged calls return what is there. Lays out first what waits for it.
   const Raster& render();
+  /// Lets go of all pixels, what lies behind among them: the next render() draws anew, so it wants
+  /// another backdrop before it. Tells nobody.
+  void forgetPixels();
   /// How often a backdrop has been blurred so far.
   int blurCount() const;
   /// How often the effects on the background have blurred what is below them.

@@ -1,3 +1,5 @@
+#include <malloc.h>
+
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -18,9 +20,17 @@ using namespace plemora;
 
 constexpr Logger logger("program");
 
+/// Large buffers go back to the system as soon as they are freed, whatever was freed before, and
+/// threads share one heap: none of those that must not wait for another allocates.
+void keepHeapSmall() {
+  mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+  mallopt(M_ARENA_MAX, 1);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  keepHeapSmall();
   std::setlocale(LC_ALL, "");
   const std::vector<std::string> arguments(argv + 1, argv + argc);
   std::string problem;

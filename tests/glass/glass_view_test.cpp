@@ -83,6 +83,17 @@ TEST_F(GlassViewTest, EnlargesABackdropOfALowerScale) {
   EXPECT_EQ(view.render().at(21, 13), desktop.at(15, 11));
 }
 
+TEST_F(GlassViewTest, DrawsTheSameAgainAfterItForgotItsPixels) {
+  tune({});
+  const Raster desktop = noise(200, 150);
+  setDesktop(desktop, 1, 10, 8);
+  const Raster before = view.render();
+  view.forgetPixels();
+  EXPECT_NE(view.render(), before);  // nothing is known of what lies behind
+  setDesktop(desktop, 1, 10, 8);
+  EXPECT_EQ(view.render(), before);
+}
+
 TEST_F(GlassViewTest, BlursByThePointsAndThenFilters) {
   const ColorMatrix matrix = {0.9f, 0.2f, -0.1f, 0, 0.05f, 0, 0.8f, 0, 0, 0.1f,
                               0.3f, 0,    0.5f,  0, 0,     0, 0,    0, 1, 0};

@@ -15,6 +15,7 @@ import unittest
 EXPECTED = {
     "usr/bin/plemora": 0o755,
     "usr/bin/plemoractl": 0o755,
+    "usr/lib/plemora/plemora-gallery.so": 0o644,
     "usr/lib/plemora/plemora-panel.so": 0o644,
     "usr/lib/plemora/plemora-ui.so": 0o644,
     "usr/lib/systemd/user/plemora.service": 0o644,

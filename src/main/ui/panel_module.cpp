@@ -4,13 +4,18 @@
 #include <utility>
 
 #include "adapters/linux/windows/linux_panels.h"
-#include "main/gallery/gallery.h"
 #include "views/panel_scene.h"
 #include "views/setup_scene.h"
+
+// In a library that the views need in any case. Loaded along with the others it is there at once;
+// else the QML engine looks through folders for it while the first click waits.
+extern void qml_register_types_QtQml_WorkerScript();
 
 namespace plemora {
 
 namespace {
+
+[[maybe_unused]] const volatile auto workerScript = &qml_register_types_QtQml_WorkerScript;
 
 class LinuxPanelParts : public PanelParts {
  public:
@@ -39,10 +44,6 @@ class LinuxPanelModule : public PanelModule {
  public:
   std::unique_ptr<PanelParts> makeParts(LinuxDesktop& desktop, MainQueue& queue) override {
     return std::make_unique<LinuxPanelParts>(desktop, queue);
-  }
-
-  int renderScreenshots(const std::string& folder) override {
-    return plemora::renderScreenshots(folder);
   }
 };
 

@@ -43,9 +43,6 @@ class PanelModule {
 
   /// Both outlive the parts.
   virtual std::unique_ptr<PanelParts> makeParts(LinuxDesktop& desktop, MainQueue& queue) = 0;
-
-  /// See DesktopUi.
-  virtual int renderScreenshots(const std::string& folder) = 0;
 };
 
 /// Loads the module. Null when that fails; the problem says why.

@@ -1,4 +1,5 @@
 #include <QEvent>
+#include <QFont>
 #include <QGuiApplication>
 #include <QSessionManager>
 #include <cstdio>
@@ -8,8 +9,8 @@
 #include "adapters/linux/dbus/mixer_names.h"
 #include "adapters/linux/windows/linux_desktop.h"
 #include "main/desktop_ui.h"
+#include "main/module_loader.h"
 #include "main/ui/linux_panel.h"
-#include "main/ui/panel_module.h"
 
 namespace plemora {
 
@@ -44,6 +45,8 @@ class UiModule : public DesktopUi {
     auto application = std::make_unique<Application>(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setDesktopFileName(mixerBusName);
+    // That of all the panel's texts: what names none need not load another.
+    QGuiApplication::setFont(QFont("Inter"));
     return application;
   }
 
@@ -54,12 +57,14 @@ class UiModule : public DesktopUi {
 
   int renderScreenshots(const std::string& folder) override {
     std::string problem;
-    PanelModule* module = loadPanelModule(problem);
-    if (module == nullptr) {
-      std::fprintf(stderr, "plemora: the panel cannot be loaded: %s\n", problem.c_str());
+    using Entry = int (*)(const std::string&);
+    const auto render =
+        reinterpret_cast<Entry>(loadModule("plemora-gallery", "plemoraRenderScreenshots", problem));
+    if (render == nullptr) {
+      std::fprintf(stderr, "plemora: the pictures cannot be drawn: %s\n", problem.c_str());
       return 1;
     }
-    return module->renderScreenshots(folder);
+    return render(folder);
   }
 };
 

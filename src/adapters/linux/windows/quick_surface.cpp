@@ -1,10 +1,13 @@
 #include "adapters/linux/windows/quick_surface.h"
 
+#include <malloc.h>
+
 #include <QGuiApplication>
 #include <QPalette>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <algorithm>
+#include <chrono>
 #include <ranges>
 #include <utility>
 
@@ -18,6 +21,8 @@ namespace plemora {
 namespace {
 
 constexpr Logger logger("windows");
+
+constexpr std::chrono::milliseconds restingDelay{500};
 
 bool isDesktopDark() {
   return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
@@ -65,6 +70,9 @@ QuickSurface::QuickSurface(MainQueue& queue, BackdropSource& backdrop, Screens& 
                            bool isAlwaysDark)
     : backdrop_(backdrop), screens_(screens), isAlwaysDark_(isAlwaysDark), glass_(queue) {
   glass_.setChangeHandler([this] { glassChanged(); });
+  resting_.setSingleShot(true);
+  resting_.setInterval(restingDelay);
+  QObject::connect(&resting_, &QTimer::timeout, [this] { rest(); });
 }
 
 QuickSurface::~QuickSurface() {
@@ -276,10 +284,18 @@ void QuickSurface::prepareFrame() {
   }
   if (std::exchange(isGlassStale_, false)) {
     glassItem_->setRaster(glass_.render());
+    resting_.start();
   }
   if (std::exchange(areContentsStale_, false)) {
     showContents();
   }
+}
+
+/// The picture stays, in its item; whatever changes it comes with a new look at what is behind.
+void QuickSurface::rest() {
+  glass_.forgetPixels();
+  isBackdropStale_ = true;
+  malloc_trim(0);
 }
 
 void QuickSurface::capture() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,7 +22,8 @@ class GlassItem;
 /// The scene of one panel, from the bottom: what is behind the window (only where the display
 /// cannot show it by itself), the glass with the rim, the content. What is behind is captured, and
 /// the glass drawn, right before a frame that needs it, at most once for each. While the panel is
-/// off the screen nothing is captured, watched or drawn.
+/// off the screen nothing is captured, watched or drawn. Half a second after the last frame of the
+/// glass all that went into it is let go, and what the heap has to spare.
 class QuickSurface : public PanelSurface {
  public:
   /// All must outlive the surface.
@@ -72,6 +74,7 @@ class QuickSurface : public PanelSurface {
   void glassChanged();
   void prepareFrame();
   void capture();
+  void rest();
 
   BackdropSource& backdrop_;
   Screens& screens_;
@@ -94,6 +97,7 @@ class QuickSurface : public PanelSurface {
   bool areContentsStale_ = false;
   bool isBackdropStale_ = true;
   bool isGlassStale_ = true;
+  QTimer resting_;
   Subscription backdropChanges_;  // while on screen
 };
 
