@@ -31,6 +31,12 @@ TEST(DiskFilesTest, KeepsFilesForTheirOwner) {
   EXPECT_EQ(status.st_mode & 0777, 0600U);
 }
 
+TEST(DiskFilesTest, GivesUpWhereTheSystemMakesNoFolders) {
+  DiskFiles files("/proc/none");
+  EXPECT_FALSE(files.makeFolder("/proc/none"));
+  EXPECT_FALSE(files.makeFolder("/proc/none/below"));
+}
+
 TEST(DiskFilesTest, HasTheOldOrTheNewContentAfterAnyFailureOrCrash) {
   for (const bool crashes : {false, true}) {
     for (int call = 1; call < 8; ++call) {

@@ -110,14 +110,17 @@ class SystemFileOperations : public FileOperations {
   int remove(const fs::path& file) override { return unlink(file.c_str()) == 0 ? 0 : errno; }
 
   int makeFolder(const fs::path& folder) override {
-    if (mkdir(folder.c_str(), 0700) == 0) {
+    int error = mkdir(folder.c_str(), 0700) == 0 ? 0 : errno;
+    if (error == ENOENT && folder.has_relative_path()) {
+      if (const int above = makeFolder(folder.parent_path()); above != 0) {
+        return above;
+      }
+      // Once more, and no oftener: a file system that makes no folders may say the same again.
+      error = mkdir(folder.c_str(), 0700) == 0 ? 0 : errno;
+    }
+    if (error == 0) {
       return sync(folder.parent_path());
     }
-    if (errno == ENOENT && folder.has_relative_path()) {
-      const int error = makeFolder(folder.parent_path());
-      return error != 0 ? error : makeFolder(folder);
-    }
-    const int error = errno;
     std::error_code ignored;
     return error == EEXIST && fs::is_directory(folder, ignored) ? 0 : error;
   }
