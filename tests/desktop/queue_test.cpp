@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <future>
 #include <memory>
 #include <string>
@@ -13,6 +14,9 @@
 
 #include "adapters/linux/desktop/qt_main_queue.h"
 #include "adapters/linux/desktop/thread_queue.h"
+#include "adapters/stage/virtual_clock.h"
+#include "adapters/stage/virtual_main_queue.h"
+#include "support/queue_contract.h"
 
 namespace plemora {
 
@@ -82,11 +86,12 @@ TEST(ThreadQueue, MayBeDroppedByItsOwnWork) {
   EXPECT_EQ(done.get_future().wait_for(std::chrono::seconds(10)), std::future_status::ready);
 }
 
-class QtMainQueueTest : public testing::Test {
- protected:
-  /// Runs the event loop until the condition holds; false after ten seconds.
-  template <typename Condition>
-  bool runUntil(Condition condition) {
+/// The queue of an event loop, in real time.
+class QtWorld : public MainQueueWorld {
+ public:
+  QtMainQueue& queue() override { return *queue_; }
+  void replaceQueue() override { queue_ = std::make_unique<QtMainQueue>(); }
+  bool runUntil(std::function<bool()> condition) override {
     const Timer limit = queue_->after(10, [] { QCoreApplication::exit(1); });
     const Timer poll = queue_->every(0.002, [condition] {
       if (condition()) {
@@ -96,6 +101,12 @@ class QtMainQueueTest : public testing::Test {
     return QCoreApplication::exec() == 0;
   }
 
+  void dropApplication() { application_.reset(); }
+  void makeApplication() {
+    application_ = std::make_unique<QCoreApplication>(argumentCount_, arguments_);
+  }
+
+ private:
   int argumentCount_ = 1;
   char name_[5] = "test";
   char* arguments_[2] = {name_, nullptr};
@@ -104,28 +115,34 @@ class QtMainQueueTest : public testing::Test {
   std::unique_ptr<QtMainQueue> queue_ = std::make_unique<QtMainQueue>();
 };
 
-TEST_F(QtMainQueueTest, RunsWorkOfAnyThreadInOrderOnTheMainThread) {
-  std::vector<int> order;
-  const auto main = std::this_thread::get_id();
-  std::thread other([&] {
-    for (int i = 0; i < 100; ++i) {
-      queue_->async([&order, i, main] {
-        EXPECT_EQ(std::this_thread::get_id(), main);
-        order.push_back(i);
-      });
+class VirtualWorld : public MainQueueWorld {
+ public:
+  MainQueue& queue() override { return *queue_; }
+  void replaceQueue() override { queue_ = std::make_unique<VirtualMainQueue>(clock_); }
+  bool runUntil(std::function<bool()> condition) override {
+    while (clock_.mediaTime() < 10 && !condition()) {
+      queue_->advance(0.0005);
     }
-  });
-  EXPECT_TRUE(runUntil([&order] { return order.size() == 100; }));
-  other.join();
-  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-}
+    return condition();
+  }
 
-TEST_F(QtMainQueueTest, AsyncNeverRunsTheWorkAtOnce) {
-  bool ran = false;
-  queue_->async([&ran] { ran = true; });
-  EXPECT_FALSE(ran);
-  EXPECT_TRUE(runUntil([&ran] { return ran; }));
-}
+ private:
+  VirtualClock clock_;
+  std::unique_ptr<VirtualMainQueue> queue_ = std::make_unique<VirtualMainQueue>(clock_);
+};
+
+INSTANTIATE_TEST_SUITE_P(
+    Of, MainQueueContract,
+    testing::Values(MainQueueWorldFactory{"Qt", [] { return std::make_unique<QtWorld>(); }},
+                    MainQueueWorldFactory{"Stage",
+                                          [] { return std::make_unique<VirtualWorld>(); }}),
+    [](const auto& test) { return test.param.name; });
+
+class QtMainQueueTest : public testing::Test {
+ protected:
+  QtWorld world_;
+  QtMainQueue* const queue_ = &world_.queue();
+};
 
 TEST_F(QtMainQueueTest, TimersKeepTheirTime) {
   using Clock = std::chrono::steady_clock;
@@ -134,29 +151,10 @@ TEST_F(QtMainQueueTest, TimersKeepTheirTime) {
   int ticks = 0;
   const Timer single = queue_->after(0.12, [&once] { once = Clock::now(); });
   const Timer repeated = queue_->every(0.02, [&ticks] { ++ticks; });
-  EXPECT_TRUE(runUntil([&once] { return once != Clock::time_point(); }));
+  EXPECT_TRUE(world_.runUntil([&once] { return once != Clock::time_point(); }));
   EXPECT_GE(once - start, std::chrono::milliseconds(120));
   EXPECT_GE(ticks, 1);
   EXPECT_LE(ticks, std::chrono::duration<double>(Clock::now() - start).count() / 0.02 + 1);
-}
-
-TEST_F(QtMainQueueTest, DroppedWorkDoesNotRunAlsoWhenItDropsItself) {
-  bool ran = false;
-  Timer dropped = queue_->after(0.001, [&ran] { ran = true; });
-  dropped.reset();
-  int ticks = 0;
-  Timer own;
-  const auto held = std::make_shared<int>(7);
-  own = queue_->every(0.001, [&own, &ticks, held] {
-    own.reset();
-    ticks += *held;  // what the work holds outlives the drop
-  });
-  bool later = false;
-  const Timer end = queue_->after(0.03, [&later] { later = true; });
-  EXPECT_TRUE(runUntil([&later] { return later; }));
-  EXPECT_FALSE(ran);
-  EXPECT_EQ(ticks, 7);
-  EXPECT_EQ(held.use_count(), 1);
 }
 
 TEST_F(QtMainQueueTest, OutlivesItsApplicationWhileItRests) {
@@ -166,24 +164,13 @@ TEST_F(QtMainQueueTest, OutlivesItsApplicationWhileItRests) {
   const Timer repeated = queue_->every(0.01, [&ticks] { ++ticks; });
   const Timer once = queue_->after(0.02, [&single] { single = true; });
   queue_->rest();
-  application_.reset();
+  world_.dropApplication();
   queue_->async([&submitted] { submitted = true; });
   std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  application_ = std::make_unique<QCoreApplication>(argumentCount_, arguments_);
+  world_.makeApplication();
   EXPECT_EQ(ticks, 0);
   queue_->resume();
-  EXPECT_TRUE(runUntil([&] { return ticks >= 3 && single && submitted; }));
-}
-
-TEST_F(QtMainQueueTest, WorkDoesNotOutliveTheQueue) {
-  bool ran = false;
-  queue_->async([&ran] { ran = true; });
-  const Timer timer = queue_->after(0.001, [&ran] { ran = true; });
-  queue_ = std::make_unique<QtMainQueue>();
-  bool later = false;
-  const Timer end = queue_->after(0.02, [&later] { later = true; });
-  EXPECT_TRUE(runUntil([&later] { return later; }));
-  EXPECT_FALSE(ran);
+  EXPECT_TRUE(world_.runUntil([&] { return ticks >= 3 && single && submitted; }));
 }
 
 }  // namespace
