@@ -1,7 +1,6 @@
 #include "skin/control_center_skin.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include "platform/clock.h"
@@ -48,29 +47,22 @@ ControlCenterSkin::~ControlCenterSkin() {
 }
 
 void ControlCenterSkin::followOutputs() {
+  const auto showVolume = [this](const std::optional<float>& volume) {
+    state.hasVolume.set(volume.has_value());
+    if (volume) {
+      // Written so that what is no number counts as 0.
+      state.volume.set(*volume > 0 ? std::min(*volume, 1.0F) : 0.0F);
+    }
+  };
   const auto showDevice = [this] {
     const auto device = outputs_.defaultDevice();
     state.isHeadphones.set(device && device->isHeadphones());
   };
-  showVolume();
+  showVolume(outputs_.volume.get());
   showDevice();
-  cancellables_.push_back(
-      outputs_.defaultDeviceID.subscribeToChanges(std::identity{}, [this](AudioObjectID) {
-        volumeAnswer_.reset();
-        holdsVolume_ = false;  // the volume to come is that of another device
-      }));
-  cancellables_.push_back(outputs_.volume.subscribe([this](const auto&) { showVolume(); }));
+  cancellables_.push_back(outputs_.volume.subscribe(showVolume));
   cancellables_.push_back(
       outputs_.defaultDeviceID.subscribe([showDevice](AudioObjectID) { showDevice(); }));
-}
-
-void ControlCenterSkin::showVolume() {
-  const auto& volume = outputs_.volume.get();
-  state.hasVolume.set(volume.has_value());
-  if (volume && !holdsVolume_) {
-    // Written so that what is no number counts as 0.
-    state.volume.set(*volume > 0 ? std::min(*volume, 1.0F) : 0.0F);
-  }
 }
 
 void ControlCenterSkin::start() {
@@ -83,8 +75,6 @@ void ControlCenterSkin::stop() {
   displayLink_.reset();
   observer_.reset();
   hide();
-  volumeAnswer_.reset();
-  letVolumeGo();
 }
 
 void ControlCenterSkin::housekeep() {
@@ -352,7 +342,6 @@ void ControlCenterSkin::hide() {
   }
   isShowing_ = false;
   drag_ = DragKind::none;
-  letVolumeGo();
   if (state.isDragging.get()) {
     state.isDragging.set(false);
   }

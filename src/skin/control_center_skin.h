@@ -78,9 +78,6 @@ class ControlCenterSkin {
   enum class DragKind { none, slider, detailPress };
 
   void followOutputs();
-  void showVolume();
-  void holdVolume();
-  void letVolumeGo();
 
   void housekeep();
   void observe(std::int32_t pid);
@@ -134,8 +131,6 @@ class ControlCenterSkin {
   std::optional<std::size_t> hoveredPill_;
 
   DragKind drag_ = DragKind::none;
-  bool holdsVolume_ = false;  // a drag has set it
-  Timer volumeAnswer_;        // until then what the device says may be older than that
   double lastHandledPress_ = -std::numeric_limits<double>::infinity();
   bool wasEditing_ = false;
   bool isClosing_ = false;

@@ -10,13 +10,6 @@
 
 namespace plemora {
 
-namespace {
-
-/// Seconds that a device may take to answer to a new volume.
-constexpr double answerTime = 0.3;
-
-}  // namespace
-
 void ControlCenterSkin::installMonitors() {
   mouseMonitors_.clear();
   mouseMonitors_.push_back(services_.inputEvents.monitorGlobal(
@@ -85,7 +78,6 @@ void ControlCenterSkin::release() {
   switch (std::exchange(drag_, DragKind::none)) {
     case DragKind::slider:
       state.isDragging.set(false);
-      letVolumeGo();
       break;
     case DragKind::detailPress:
       if (onOpenDetail) {
@@ -103,25 +95,7 @@ void ControlCenterSkin::setVolumeAt(double x) {
   }
   const float fraction = geometry().fractionAt(x);
   state.volume.set(fraction);
-  holdVolume();
   outputs_.setVolume(fraction);
-}
-
-/// Shows what the user has set, and not what a slow device answers to an earlier move, until the
-/// slider has been let go and a moment has passed.
-void ControlCenterSkin::holdVolume() {
-  holdsVolume_ = true;
-  volumeAnswer_ = services_.mainQueue.after(answerTime, [this] {
-    volumeAnswer_.reset();
-    letVolumeGo();
-  });
-}
-
-void ControlCenterSkin::letVolumeGo() {
-  if (holdsVolume_ && !volumeAnswer_ && drag_ != DragKind::slider) {
-    holdsVolume_ = false;
-    showVolume();
-  }
 }
 
 void ControlCenterSkin::updateHover(const Point& pointer) {

@@ -49,30 +49,6 @@ TEST_F(SkinPointerTest, DragsTheVolume) {
   EXPECT_TRUE(input.postedKeys.empty() && prepared.empty() && opened.empty());
 }
 
-TEST_F(SkinPointerTest, KeepsToTheDragWhateverASlowDeviceAnswers) {
-  const auto shown = [this] { return skin->state.volume.get(); };
-  send(leftMouseDown, onTrack);
-  main.advance(1);
-  outputs.volume.set(0.25F);
-  EXPECT_NEAR(shown(), 0.5, 1e-6) << "it is held, even if it rests";
-  send(leftMouseDragged, {1299, 758});
-  send(leftMouseUp, {1299, 758});
-  main.drain();
-  outputs.volume.set(0.5F);
-  main.advance(0.29);
-  EXPECT_EQ(shown(), 1) << "an answer to the press";
-  main.advance(0.02);
-  EXPECT_EQ(shown(), 0.5F) << "the device knows better";
-  outputs.volume.set(0.3F);
-  EXPECT_EQ(shown(), 0.3F);
-
-  send(leftMouseDown, onTrack);
-  const auto other = hal.addDevice({.uid = "b", .name = "Display", .volume = 0.75F});
-  hal.setDefaultOutput(other);
-  main.drain();
-  EXPECT_EQ(shown(), 0.75F) << "it was not set on this one";
-}
-
 TEST_F(SkinPointerTest, LeavesAVolumeThatCannotBeSetAlone) {
   hal.updateDevice(hal.defaultOutput(),
                    [](SimulatedDevice& device) { device.hasSettableVolume = false; });
