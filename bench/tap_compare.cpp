@@ -181,16 +181,20 @@ Cost measureCost(PrivateSession& session, double seconds, Ours ours) {
           (cpuMilliseconds(server) - serverBefore) / took.count()};
 }
 
-/// One round: the three ways, one after the other.
+/// One round: the three ways, one after the other in one session.
 struct Round {
   Cost direct;
   Cost tapped;
   Cost looped;
 };
 
-Round measureRound(const Settings& settings, PrivateSession& session, int count) {
+Round measureRound(const Settings& settings, const std::string& clients, int count, int quantum) {
+  const bool isPulse = clients == "pulse";
+  PrivateSession session;
+  session.createSinks(quantum);
+  const auto native = startApps(session, isPulse ? 0 : count, Signal::sine(440, 0.01));
+  const auto pulse = startPulseApps(session, isPulse ? count : 0);
   Round round;
-  waitForApps(session, count);
   round.direct = measureCost(session, settings.seconds, [] { return 0.0; });
   {
     ProgramUnderTest plemora(session);
@@ -206,10 +210,10 @@ Round measureRound(const Settings& settings, PrivateSession& session, int count)
   return round;
 }
 
-void printCost(const Settings& settings, PrivateSession& session, int count, int quantum) {
+void printCost(const Settings& settings, const std::string& clients, int count, int quantum) {
   std::vector<Round> rounds;
   for (int i = 0; i < settings.rounds; ++i) {
-    rounds.push_back(measureRound(settings, session, count));
+    rounds.push_back(measureRound(settings, clients, count, quantum));
   }
   const auto median = [&](const auto& valueOf) {
     std::vector<double> values;
@@ -246,15 +250,7 @@ void printCosts(const Settings& settings) {
                 "pw-loopback", "of pw-loopback's: together, beyond direct");
     for (const int quantum : settings.quanta) {
       for (const int count : settings.apps) {
-        PrivateSession session;
-        session.createSinks(quantum);
-        if (clients == "pulse") {
-          const auto apps = startPulseApps(session, count);
-          printCost(settings, session, count, quantum);
-        } else {
-          const auto apps = startApps(session, count, Signal::sine(440, 0.01));
-          printCost(settings, session, count, quantum);
-        }
+        printCost(settings, clients, count, quantum);
       }
     }
   }
