@@ -20,6 +20,11 @@ constexpr double usualWidth = 560;
 constexpr double usualHeight = 620;
 constexpr double margin = 20;  // between the tallest window and the edges of the screen
 
+/// What is higher than the screen scrolls.
+double heightWithin(const Rect& visible, double wanted) {
+  return visible.isEmpty() ? wanted : std::min(wanted, visible.height - 2 * margin);
+}
+
 }  // namespace
 
 SetupWindow::SetupWindow(const MenuBarServices& services, SetupView& view, MakeContent makeContent,
@@ -73,24 +78,36 @@ bool SetupWindow::makeWindow() {
   return true;
 }
 
+/// Of the screen that the window is on, else of the main one; empty where there is none.
+Rect SetupWindow::visibleArea() const {
+  const auto& screens = services_.screens.screens().get();
+  const auto own = std::ranges::find_if(
+      screens, [this](const Screen& screen) { return screen.frame.intersects(window_->frame()); });
+  if (own != screens.end()) {
+    return own->visibleFrame;
+  }
+  return screens.empty() ? Rect{} : screens.front().visibleFrame;
+}
+
 /// In the middle of the main screen.
 void SetupWindow::place() {
-  const auto& screens = services_.screens.screens().get();
-  const Rect visible = screens.empty() ? Rect{} : screens.front().visibleFrame;
-  if (!visible.isEmpty()) {
-    content_->setMaximumHeight(visible.height - 2 * margin);
-  }
+  const Rect visible = visibleArea();
   const double width = content_->fittingWidth() > 0 ? content_->fittingWidth() : usualWidth;
   const double wanted = content_->fittingHeight() > 0 ? content_->fittingHeight() : usualHeight;
-  const double height = visible.isEmpty() ? wanted : std::min(wanted, visible.height - 2 * margin);
+  const double height = heightWithin(visible, wanted);
   window_->setFrame({visible.midX() - width / 2, visible.midY() - height / 2, width, height});
 }
 
-/// Grows and shrinks at its lower edge.
-void SetupWindow::fit(double height) {
+/// Grows and shrinks at its lower edge, and upwards where the screen ends below.
+void SetupWindow::fit(double wanted) {
   const Rect frame = window_->frame();
-  if (height > 0 && height != frame.height) {
-    window_->setFrame({frame.x, frame.maxY() - height, frame.width, height});
+  const Rect visible = visibleArea();
+  const double height = heightWithin(visible, wanted);
+  const double lower = frame.maxY() - height;
+  const double y =
+      visible.isEmpty() ? lower : std::max(lower, std::min(frame.y, visible.y + margin));
+  if (wanted > 0 && (height != frame.height || y != frame.y)) {
+    window_->setFrame({frame.x, y, frame.width, height});
   }
 }
 

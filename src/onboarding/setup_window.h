@@ -55,6 +55,7 @@ class SetupWindow {
 
  private:
   bool makeWindow();
+  Rect visibleArea() const;
   void place();
   void fit(double height);
   void closed();

@@ -157,7 +157,7 @@ TEST(DesktopSetupTest, TriesALoginItemAgainAndAsksAnewWhenItIsOpenedAgain) {
   EXPECT_EQ(world.defaults.boolean("didSkipLoginItem"), std::nullopt);
 }
 
-TEST(DesktopSetupTest, KeepsOneWindowWhichGrowsDownwards) {
+TEST(DesktopSetupTest, KeepsOneWindowWhichGrowsDownwardsAsFarAsTheScreenGoes) {
   World world;
   world.setup.show();
   world.setup.show();
@@ -169,6 +169,14 @@ TEST(DesktopSetupTest, KeepsOneWindowWhichGrowsDownwards) {
   world.content->resize(420);
   EXPECT_EQ(window.frame().height, 420);
   EXPECT_EQ(window.frame().maxY(), before.maxY());
+
+  world.content->resize(700);
+  EXPECT_EQ(window.frame(), (Rect{before.x, 20, before.width, 700})) << "the screen ends below";
+  world.content->resize(2000);
+  EXPECT_EQ(window.frame(), (Rect{before.x, 20, before.width, 876 - 2 * 20})) << "it scrolls";
+  window.setFrame({100, -200, before.width, 400});
+  world.content->resize(500);
+  EXPECT_EQ(window.frame(), (Rect{100, -200, before.width, 500})) << "the user has put it there";
 
   World broken;
   broken.content.reset();
