@@ -142,7 +142,13 @@ struct SessionManager::State {
                                std::free(properties);
                              },
                              self};
-    calls->delete_properties = {[](SmsConn, SmPointer, int, char**) {}, self};
+    calls->delete_properties = {[](SmsConn, SmPointer, int count, char** names) {
+                                  for (int i = 0; i < count; ++i) {
+                                    std::free(names[i]);
+                                  }
+                                  std::free(names);
+                                },
+                                self};
     calls->get_properties = {[](SmsConn, SmPointer) {}, self};
     return 1;
   }
