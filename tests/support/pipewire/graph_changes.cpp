@@ -116,7 +116,7 @@ void GraphView::setMetadata(const std::string& object, std::uint32_t subject,
 
 void GraphView::setDefaultSink(const std::string& name) {
   int asked = 0;
-  const bool taken = eventually(20, [&] {
+  const bool taken = eventually(8, [&] {
     // A session manager that has just started may not listen yet.
     if (asked++ % 64 == 0) {
       setMetadata("default", 0, "default.configured.audio.sink", "Spa:String:JSON",

@@ -177,6 +177,16 @@ void PrivateSession::createSinks(int quantum) {
   graph_->forceQuantum(quantum);
   graph_->createSink({.name = "first", .description = "First Speakers", .priority = 900});
   graph_->createSink({.name = "second", .description = "Second Speakers", .priority = 800});
+  // Now and then a session manager that has just started takes a sink up, but never to its end. A
+  // new one it does.
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    try {
+      graph_->setDefaultSink("first");
+      return;
+    } catch (const std::runtime_error&) {
+      graph_->recreateSinks();
+    }
+  }
   graph_->setDefaultSink("first");
 }
 
