@@ -74,16 +74,6 @@ TEST(LaunchAtLoginTest, TriesAgainUntilItHasWorkedOnce) {
   EXPECT_EQ(log.records.size(), 1U);
 }
 
-TEST(LaunchAtLoginTest, DoesNotOverruleAUserWhoHasSwitchedItOffBefore) {
-  MemoryDefaults defaults;
-  ScriptedSystemInfo system;
-  ScriptedLoginItem item;
-  item.current = LoginItemState::switchedOff;
-  LaunchAtLogin(defaults, system, item).enableOnFirstRun();
-  EXPECT_EQ(item.attempts, 0);
-  EXPECT_EQ(defaults.boolean("didRegisterLoginItem"), true) << "nor does it ask again";
-}
-
 TEST(UpdaterTest, FailuresAreLoggedAndSurvived) {
   ScriptedUpdateService service;
   LogKeeper log;

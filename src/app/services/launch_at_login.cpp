@@ -29,12 +29,9 @@ void LaunchAtLogin::enableOnFirstRun() {
                            [&](const auto& prefix) { return path.starts_with(prefix); })) {
     return;
   }
-  // An item of an earlier installation that the user has switched off stays as it is.
-  if (item_.state() != LoginItemState::switchedOff) {
-    if (const auto failure = item_.enable()) {
-      logger.error("Plemora: login item registration failed: " + *failure);
-      return;
-    }
+  if (const auto failure = item_.enable()) {
+    logger.error("Plemora: login item registration failed: " + *failure);
+    return;
   }
   defaults_.setBoolean(key, true);
 }

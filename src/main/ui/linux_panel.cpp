@@ -70,7 +70,9 @@ LinuxPanel::LinuxPanel(LinuxProgram& program, const QDBusConnection& bus,
   controller_.onSetUp = [this] { setUp(); };
   setup_.onShowPanel = [this] { open(); };
   updater_.start();
-  if (!program.defaults().boolean(DesktopSetup::skippedLoginItemKey).value_or(false)) {
+  // What the user does not want, or has switched off, in an earlier installation too, stays so.
+  if (!program.defaults().boolean(DesktopSetup::skippedLoginItemKey).value_or(false) &&
+      loginItem_.state() != LoginItemState::switchedOff) {
     launchAtLogin_.enableOnFirstRun();
   }
 }
