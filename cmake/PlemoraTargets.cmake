@@ -10,6 +10,11 @@ target_compile_options(plemora_options INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND (CMAKE_BUILD_TYPE STREQUAL Release OR PLEMORA_SANITIZE))
   target_compile_options(plemora_options INTERFACE -Wno-maybe-uninitialized -Wno-restrict)
 endif()
+# What is installed is to be small in memory: nothing is kept that nobody calls.
+if(CMAKE_BUILD_TYPE STREQUAL Release)
+  target_compile_options(plemora_options INTERFACE -ffunction-sections -fdata-sections)
+  target_link_options(plemora_options INTERFACE LINKER:--gc-sections)
+endif()
 if(PLEMORA_SANITIZE)
   target_compile_options(plemora_options INTERFACE
     -fsanitize=${PLEMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
@@ -30,6 +35,16 @@ if(PLEMORA_SANITIZE MATCHES "undefined")
   target_compile_options(plemora_test_options INTERFACE -fno-sanitize=undefined)
 endif()
 
+# What computes samples, pixels or places in a hurry. A release spends as much code on it as makes it
+# faster; of all else, which runs seldom, the memory counts.
+set(PLEMORA_FAST plemora_audio_render plemora_controlcenter plemora_glass plemora_pipewire
+  plemora_skin)
+function(plemora_size target)
+  if(CMAKE_BUILD_TYPE STREQUAL Release AND NOT target IN_LIST PLEMORA_FAST)
+    target_compile_options(${target} PRIVATE -Os)
+  endif()
+endfunction()
+
 # plemora_library(<target> FOLDER <folder below src> SOURCES <files> [LINKS <targets>]
 #   [PRIVATE_LINKS <targets>] [PRECOMPILE <headers>])
 # PRECOMPILE names headers that most of its sources include, besides those of the standard library;
@@ -46,6 +61,7 @@ function(plemora_library target)
     add_library(${target} STATIC ${ARG_SOURCES})
     target_include_directories(${target} PUBLIC ${view})
     target_link_libraries(${target} PUBLIC ${ARG_LINKS} PRIVATE plemora_options ${ARG_PRIVATE_LINKS})
+    plemora_size(${target})
     list(LENGTH ARG_SOURCES count)
     if(PLEMORA_PRECOMPILE AND count GREATER 3)
       target_precompile_headers(${target} PRIVATE <algorithm> <functional> <map> <memory> <optional>
@@ -63,6 +79,7 @@ function(plemora_program target)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${target} ${ARG_SOURCES})
   target_link_libraries(${target} PRIVATE plemora_options ${ARG_LINKS})
+  plemora_size(${target})
 endfunction()
 
 # plemora_test(<target> SOURCES <files> LINKS <targets> [TIMEOUT <seconds>] [SERIAL] [LABEL <label>])
