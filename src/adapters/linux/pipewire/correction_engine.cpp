@@ -31,11 +31,10 @@ bool isRunning(const GraphMirror& mirror, std::uint32_t node) {
 
 }  // namespace
 
-CorrectionEngine::CorrectionEngine(const PipeWireLoop& loop, pw_core* core,
-                                   std::function<void()> onChange)
+CorrectionEngine::CorrectionEngine(const PipeWireLoop& loop, std::function<void()> onChange)
     : loop_(loop),
       onChange_(std::move(onChange)),
-      filters_(loop, core, onChange_),
+      filters_(loop, onChange_),
       timer_(LoopSource::timer(loop, onChange_)) {}
 
 CorrectionEngine::~CorrectionEngine() {
@@ -124,7 +123,7 @@ bool CorrectionEngine::isWanted(const Placement& placement, double now) const {
   const CorrectionFilter& filter = *placement.slot().filter;
   return claim != nullptr && claim->correction == placement.correction() &&
          placement.phase() != Placement::Phase::leaving && !filter.isBroken() &&
-         filter.sinks() == claim->sinks && !belongsElsewhere(placement, now);
+         !filter.isSpoilt() && filter.sinks() == claim->sinks && !belongsElsewhere(placement, now);
 }
 
 void CorrectionEngine::follow(const GraphMirror& mirror, Placement& placement, double now) {

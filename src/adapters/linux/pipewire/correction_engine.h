@@ -32,7 +32,7 @@ class CorrectionEngine {
   using Id = std::uint64_t;
 
   /// onChange asks for a call of reconcile soon.
-  CorrectionEngine(const PipeWireLoop& loop, pw_core* core, std::function<void()> onChange);
+  CorrectionEngine(const PipeWireLoop& loop, std::function<void()> onChange);
   ~CorrectionEngine();
 
   Id start(CorrectionRequest request);

@@ -29,11 +29,12 @@ SinkLayout sinkLayout(const GraphMirror& mirror, std::uint32_t nodeId) {
   return layout;
 }
 
-CorrectionFilter::CorrectionFilter(const PipeWireLoop& loop, pw_core* core,
+CorrectionFilter::CorrectionFilter(const PipeWireLoop& loop,
+                                   std::shared_ptr<FilterConnection> connection,
                                    std::vector<SinkLayout> sinks, std::uint32_t slotCount,
                                    CorrectionScratch& scratch, std::function<void()> onChange)
     : loop_(loop),
-      core_(core),
+      connection_(std::move(connection)),
       sinks_(std::move(sinks)),
       slotCount_(slotCount),
       scratch_(scratch),
@@ -46,7 +47,7 @@ CorrectionFilter::CorrectionFilter(const PipeWireLoop& loop, pw_core* core,
   }
   // No media class: the session manager would manage the node. No driver wanted: alone it rests.
   filter_.reset(pw_filter_new(
-      core, "com.quorvane.mixer.correction",
+      connection_->core(), "com.quorvane.mixer.correction",
       pw_properties_new(PW_KEY_NODE_NAME, "com.quorvane.mixer.correction", PW_KEY_NODE_DESCRIPTION,
                         "Plemora", PW_KEY_NODE_AUTOCONNECT, "false", PW_KEY_NODE_WANT_DRIVER,
                         "false", PW_KEY_NODE_VIRTUAL, "true", nullptr)));
@@ -153,8 +154,8 @@ void CorrectionFilter::update(const GraphMirror& mirror) {
   std::size_t next = 0;
   for (std::size_t group = 0; group < sinks_.size(); ++group) {
     for (std::uint32_t channel = 0; channel < groupChannels_[group]; ++channel) {
-      outputLinks_.push_back(std::make_unique<FilterLink>(core_, node, outputIds_[next++],
-                                                          sinks_[group].nodeId,
+      outputLinks_.push_back(std::make_unique<FilterLink>(connection_->core(), node,
+                                                          outputIds_[next++], sinks_[group].nodeId,
                                                           sinks_[group].ports[channel], onChange_));
     }
   }
@@ -172,11 +173,12 @@ bool CorrectionFilter::outputsActive() const {
 
 std::unique_ptr<FilterLink> CorrectionFilter::linkInput(std::uint32_t slot, std::uint32_t channel,
                                                         std::uint32_t streamNode,
-                                                        std::uint32_t streamPort) const {
-  if (!isReady() || channel >= slotChannels_) {
+                                                        std::uint32_t streamPort,
+                                                        double now) const {
+  if (!isReady() || isSpoilt() || channel >= slotChannels_ || !connection_->mayLink(now)) {
     return nullptr;
   }
-  return std::make_unique<FilterLink>(core_, streamNode, streamPort,
+  return std::make_unique<FilterLink>(connection_->core(), streamNode, streamPort,
                                       pw_filter_get_node_id(filter_.get()),
                                       inputIds_[firstPort(slot) + channel], onChange_);
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "adapters/linux/pipewire/correction_renderer.h"
+#include "adapters/linux/pipewire/filter_connection.h"
 #include "adapters/linux/pipewire/filter_link.h"
 #include "adapters/linux/pipewire/graph_mirror.h"
 #include "adapters/linux/pipewire/pipewire_loop.h"
@@ -30,11 +31,12 @@ SinkLayout sinkLayout(const GraphMirror& mirror, std::uint32_t nodeId);
 /// that the session manager leaves it alone. With the loop's lock held, but for the rendering.
 class CorrectionFilter : private CorrectionPorts {
  public:
-  CorrectionFilter(const PipeWireLoop& loop, pw_core* core, std::vector<SinkLayout> sinks,
-                   std::uint32_t slotCount, CorrectionScratch& scratch,
-                   std::function<void()> onChange);
+  CorrectionFilter(const PipeWireLoop& loop, std::shared_ptr<FilterConnection> connection,
+                   std::vector<SinkLayout> sinks, std::uint32_t slotCount,
+                   CorrectionScratch& scratch, std::function<void()> onChange);
   ~CorrectionFilter() override;
 
+  const std::shared_ptr<FilterConnection>& connection() const { return connection_; }
   const std::vector<SinkLayout>& sinks() const { return sinks_; }
   std::uint32_t slotCount() const { return slotCount_; }
   std::uint32_t groupOf(std::uint32_t sinkNode) const;
@@ -43,15 +45,18 @@ class CorrectionFilter : private CorrectionPorts {
   void update(const GraphMirror& mirror);
 
   bool isBroken() const { return broken_; }
+  /// What is linked to it may go on, but nothing new can be.
+  bool isSpoilt() const { return connection_->isSpoilt(); }
   /// Its ports are known: streams can be linked.
   bool isReady() const { return !inputIds_.empty(); }
   /// What it adds to that sink reaches it.
   bool outputsPrepared() const;
   bool outputsActive() const;
 
-  /// Null until isReady.
+  /// Null until isReady, and when it is not the time for one more link.
   std::unique_ptr<FilterLink> linkInput(std::uint32_t slot, std::uint32_t channel,
-                                        std::uint32_t streamNode, std::uint32_t streamPort) const;
+                                        std::uint32_t streamNode, std::uint32_t streamPort,
+                                        double now) const;
 
   /// Index of a slot's first port, for CorrectionSlot::port.
   std::uint32_t firstPort(std::uint32_t slot) const { return slot * slotChannels_; }
@@ -82,7 +87,8 @@ class CorrectionFilter : private CorrectionPorts {
   void fail(const char* what);
 
   const PipeWireLoop& loop_;
-  pw_core* core_;
+  /// Goes after what lives on it.
+  const std::shared_ptr<FilterConnection> connection_;
   const std::vector<SinkLayout> sinks_;
   const std::uint32_t slotCount_;
   std::uint32_t slotChannels_ = 0;

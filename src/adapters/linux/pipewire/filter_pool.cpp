@@ -14,7 +14,6 @@ constexpr std::uint32_t firstSlotCount = 8;
 constexpr std::uint32_t nextSlotCountFactor = 8;
 constexpr std::uint32_t largestSlotCount = 64;
 
-constexpr std::size_t filtersPerCore = 24;
 constexpr double keepUnusedSeconds = 2.0;
 
 // For a moment after its links have been dropped, an input still has the buffers of its last
@@ -22,6 +21,9 @@ constexpr double keepUnusedSeconds = 2.0;
 constexpr double slotRestSeconds = 0.5;
 constexpr double inUse = std::numeric_limits<double>::infinity();
 constexpr double retryBrokenSeconds = 1.0;
+
+// A server that ends every connection at once is not to be asked without end.
+constexpr double betweenConnectionsSeconds = 0.2;
 
 }  // namespace
 
@@ -35,20 +37,20 @@ std::size_t FilterPool::Entry::freeSlot(double now) const {
   return static_cast<std::size_t>(free - freeFrom.begin());
 }
 
-FilterPool::FilterPool(const PipeWireLoop& loop, pw_core* core, std::function<void()> onChange)
-    : loop_(loop), mainCore_(core), onChange_(std::move(onChange)) {}
-
-// Filters go before the connections that they live on.
-FilterPool::~FilterPool() {
-  entries_.clear();
-}
+FilterPool::FilterPool(const PipeWireLoop& loop, std::function<void()> onChange)
+    : loop_(loop), onChange_(std::move(onChange)) {}
 
 FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
   std::uint32_t largest = 0;
+  std::uint32_t needed = firstSlotCount;
   Entry* found = nullptr;
   for (Entry& entry : entries_) {
     const std::uint32_t slots = entry.filter->slotCount();
     if (entry.filter->sinks() != sinks || entry.filter->isBroken()) {
+      continue;
+    }
+    if (entry.filter->isSpoilt()) {
+      needed = std::max(needed, slots);
       continue;
     }
     largest = std::max(largest, slots);
@@ -58,7 +60,7 @@ FilterSlot FilterPool::take(const std::vector<SinkLayout>& sinks, double now) {
   }
   if (found == nullptr) {
     const std::uint32_t next = std::min(largest * nextSlotCountFactor, largestSlotCount);
-    found = make(sinks, std::max(next, firstSlotCount), now);
+    found = make(sinks, std::max(next, needed), now);
   }
   if (found == nullptr) {
     return {};
@@ -75,12 +77,21 @@ FilterPool::Entry* FilterPool::make(const std::vector<SinkLayout>& sinks, std::u
     return nullptr;
   }
   Entry entry;
-  pw_core* core = coreWithRoom(entry.core);
-  if (core == nullptr) {
+  auto connection = connectionWithRoom();
+  if (!connection && now < nextConnectionAt_) {
+    retryAt_ = nextConnectionAt_;
+    return nullptr;
+  }
+  if (!connection) {
+    nextConnectionAt_ = now + betweenConnectionsSeconds;
+    connection = std::make_shared<FilterConnection>(loop_, onChange_);
+  }
+  if (connection->core() == nullptr) {
     retryAt_ = now + retryBrokenSeconds;
     return nullptr;
   }
-  entry.filter = std::make_unique<CorrectionFilter>(loop_, core, sinks, slots, scratch_, onChange_);
+  entry.filter =
+      std::make_unique<CorrectionFilter>(loop_, connection, sinks, slots, scratch_, onChange_);
   if (entry.filter->isBroken()) {
     retryAt_ = now + retryBrokenSeconds;
     return nullptr;
@@ -90,21 +101,17 @@ FilterPool::Entry* FilterPool::make(const std::vector<SinkLayout>& sinks, std::u
   return &entries_.back();
 }
 
-pw_core* FilterPool::coreWithRoom(std::size_t& index) {
-  for (index = 0;; ++index) {
-    const auto filters = std::count_if(entries_.begin(), entries_.end(),
-                                       [&](const Entry& entry) { return entry.core == index; });
-    if (index == moreCores_.size() + 1) {
-      std::unique_ptr<pw_core, Disconnect> core(pw_context_connect(loop_.context(), nullptr, 0));
-      if (!core) {
-        return nullptr;
-      }
-      moreCores_.push_back(std::move(core));
-    }
-    if (static_cast<std::size_t>(filters) < filtersPerCore) {
-      return index == 0 ? mainCore_ : moreCores_[index - 1].get();
+std::shared_ptr<FilterConnection> FilterPool::connectionWithRoom() const {
+  for (const Entry& entry : entries_) {
+    const auto filters = std::count_if(entries_.begin(), entries_.end(), [&](const Entry& other) {
+      return other.filter->connection() == entry.filter->connection();
+    });
+    if (!entry.filter->isSpoilt() &&
+        static_cast<std::size_t>(filters) < FilterConnection::mostFilters) {
+      return entry.filter->connection();
     }
   }
+  return nullptr;
 }
 
 void FilterPool::giveBack(FilterSlot slot, double now) {
@@ -117,7 +124,7 @@ void FilterPool::giveBack(FilterSlot slot, double now) {
 
 bool FilterPool::hasRoom(const CorrectionFilter& filter, double now) const {
   return std::any_of(entries_.begin(), entries_.end(), [&](const Entry& entry) {
-    return entry.filter.get() == &filter && !filter.isBroken() &&
+    return entry.filter.get() == &filter && !filter.isBroken() && !filter.isSpoilt() &&
            entry.freeSlot(now) < filter.slotCount();
   });
 }
@@ -136,6 +143,9 @@ double FilterPool::sweep(double now) {
     }
     if (entry.filter->isBroken()) {
       retryAt_ = now + retryBrokenSeconds;
+      return true;
+    }
+    if (entry.filter->isSpoilt()) {
       return true;
     }
     if (entry.unusedSince == 0) {

@@ -16,13 +16,12 @@ struct FilterSlot {
 };
 
 /// The filters in use, by the sinks that they span. A full one gets a larger one beside it, to
-/// which its streams move; one that is no longer used goes after a while. With the loop's lock
-/// held.
+/// which its streams move, as they do where the connection of theirs is spoilt; one that is no
+/// longer used goes after a while. With the loop's lock held.
 class FilterPool {
  public:
   /// onChange runs after anything that may bring a filter further.
-  FilterPool(const PipeWireLoop& loop, pw_core* core, std::function<void()> onChange);
-  ~FilterPool();
+  FilterPool(const PipeWireLoop& loop, std::function<void()> onChange);
 
   /// A free slot on a filter that spans exactly these sinks. None while filters cannot be made.
   FilterSlot take(const std::vector<SinkLayout>& sinks, double now);
@@ -42,27 +41,21 @@ class FilterPool {
     std::unique_ptr<CorrectionFilter> filter;
     /// By slot: media time from which it is free; infinity while it is used.
     std::vector<double> freeFrom;
-    std::size_t core = 0;  ///< connection that it lives on
     double unusedSince = 0;
     bool isUnused() const;
     /// A slot that is free, or the number of slots.
     std::size_t freeSlot(double now) const;
   };
-  struct Disconnect {
-    void operator()(pw_core* core) const { pw_core_disconnect(core); }
-  };
-
   Entry* make(const std::vector<SinkLayout>& sinks, std::uint32_t slots, double now);
-  pw_core* coreWithRoom(std::size_t& index);
+  /// Null when there is none.
+  std::shared_ptr<FilterConnection> connectionWithRoom() const;
 
   const PipeWireLoop& loop_;
-  pw_core* mainCore_;
   std::function<void()> onChange_;
   CorrectionScratch scratch_;
-  /// Further connections: one connection does not carry more than 32 nodes with buffers safely.
-  std::vector<std::unique_ptr<pw_core, Disconnect>> moreCores_;
   std::vector<Entry> entries_;
-  double retryAt_ = 0;
+  double retryAt_ = 0;           ///< media time before which no filter is made
+  double nextConnectionAt_ = 0;  ///< media time before which no connection is made
 };
 
 }  // namespace plemora

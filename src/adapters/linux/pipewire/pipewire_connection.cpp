@@ -106,7 +106,7 @@ void PipeWireConnection::tryConnect() {
   }();
   pw_core_add_listener(core_.get(), coreHook_.get(), &events, this);
   mirror_ = std::make_unique<GraphMirror>(core_.get(), [this] { changed_.signal(); });
-  engine_ = std::make_unique<CorrectionEngine>(loop_, core_.get(), [this] { changed_.signal(); });
+  engine_ = std::make_unique<CorrectionEngine>(loop_, [this] { changed_.signal(); });
   ++number_;
   isReady_ = false;
   // The first answer ends the list of objects, the second what we asked about each of them.

@@ -135,7 +135,7 @@ void Placement::follow(const std::vector<DirectLink>& wanted, const std::vector<
       if (known || now < retryAt_ || link.channel >= renderSlot_->channels) {
         continue;
       }
-      if (auto made = slot_.filter->linkInput(slot_.index, link.channel, stream_, link.port)) {
+      if (auto made = slot_.filter->linkInput(slot_.index, link.channel, stream_, link.port, now)) {
         renderSlot_->seenChannels.fetch_and(~(1u << link.channel), std::memory_order_relaxed);
         links_.push_back({link.port, link.channel, std::move(made), now});
       }

@@ -1,0 +1,75 @@
+// What becomes of taps when the library mixes up the memory of a connection, which it does by
+// itself only now and then.
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <pipewire/pipewire.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <vector>
+
+#include "pipewire/tap_rig.h"
+
+namespace plemora::rig {
+namespace {
+
+/// All connections that this process has made, the rig's among them.
+std::vector<pw_core*> connections;
+
+/// From here on the numbers of the connection's memory differ from the server's.
+void mixUpMemory(TapRig& rig, pw_core* core) {
+  struct Stray {
+    pw_core* core;
+    std::atomic<bool> isIn = false;
+  } stray{core};
+  const auto import = [](spa_loop*, bool, std::uint32_t, const void*, std::size_t, void* data) {
+    auto& wanted = *static_cast<Stray*>(data);
+    const int file = memfd_create("stray", MFD_CLOEXEC);
+    // As large as any: the library writes to it.
+    const bool isLarge = ftruncate(file, 1 << 20) == 0;
+    auto* pool = pw_core_get_mempool(wanted.core);
+    wanted.isIn =
+        isLarge && pw_mempool_import(pool, PW_MEMBLOCK_FLAG_READWRITE, SPA_DATA_MemFd, file);
+    return 0;
+  };
+  auto* loop = pw_context_get_main_loop(pw_core_get_context(core));
+  pw_loop_invoke(loop, import, 0, nullptr, 0, false, &stray);
+  ASSERT_TRUE(rig.eventually(5, [&] { return stray.isIn.load(); }));
+}
+
+TEST(Tap, MovesOnWhenTheMemoryOfItsConnectionIsMixedUp) {
+  TapRig rig;
+  const auto tone = rig.play({.signal = Signal::constant(0.25)});
+  SinkRecorder recorder(rig.session, "first");
+  ASSERT_TRUE(rig.hears(recorder, 0.25f));
+  const std::size_t before = connections.size();
+  auto tap = rig.tap(*tone, 0.25f);
+  ASSERT_TRUE(tap);
+  ASSERT_TRUE(rig.hears(recorder, 0.0625f));
+  ASSERT_EQ(connections.size(), before + 1);
+
+  ASSERT_NO_FATAL_FAILURE(mixUpMemory(rig, connections.back()));
+  recorder.clear();
+  tone->open();
+  ASSERT_TRUE(rig.hears(recorder, 0.125f));
+  EXPECT_EQ(connections.size(), before + 2);
+  // The new stream plays at full gain until it has a place; the old one goes to its own unheard.
+  const auto heard = recorder.take();
+  EXPECT_LE(*std::max_element(heard[0].begin(), heard[0].end()), 0.0625f + 0.25f + 1e-6f);
+}
+
+}  // namespace
+}  // namespace plemora::rig
+
+/// Stands before the library's function of that name.
+extern "C" pw_core* pw_context_connect(pw_context* context, pw_properties* properties,
+                                       std::size_t userDataSize) {
+  const auto next =
+      reinterpret_cast<decltype(&pw_context_connect)>(dlsym(RTLD_NEXT, "pw_context_connect"));
+  pw_core* const core = next(context, properties, userDataSize);
+  plemora::rig::connections.push_back(core);
+  return core;
+}
