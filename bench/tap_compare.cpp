@@ -1,10 +1,11 @@
 // Measures, side by side in one run in a private session: apps on their direct path, tapped by the
 // program, and each behind a pw-loopback, as a user would set it up for a volume of its own.
 //   tap_compare [--seconds N] [--rounds N] [--apps 1,8,32,64] [--quanta 1024,256]
-//               [--clients native,pulse]
+//               [--clients native,pulse,shared] [--only-costs yes]
 // Each app is a process of its own. It plays through the server's own protocol ("native": the
 // server wakes each of them in every cycle) or, as most programs on a desktop do, through the
-// PulseAudio server in front of it ("pulse": one process that the server wakes once for each).
+// PulseAudio server in front of it ("pulse": one process that the server wakes once for each). Or
+// all of them are streams of one program ("shared"), each with a pw-loopback of its own.
 // Counted is the processor time of the sound server, all of it: also what it spends on waking the
 // apps and mixing them, which "direct" shows and neither way can spare. With it goes that of our
 // process, or of all the pw-loopbacks. The apps, the PulseAudio server and the session manager are
@@ -40,7 +41,8 @@ struct Settings {
   int rounds = 3;
   std::vector<int> apps = {1, 8, 32, 64};
   std::vector<int> quanta = {1024, 256};
-  std::vector<std::string> clients = {"native", "pulse"};
+  std::vector<std::string> clients = {"native", "pulse", "shared"};
+  bool onlyCosts = false;
 };
 
 std::string nameOf(int number) {
@@ -154,11 +156,21 @@ std::vector<std::unique_ptr<ChildProcess>> startPulseApps(PrivateSession& sessio
   return apps;
 }
 
-void turnDown(ProgramUnderTest& plemora, int count) {
+/// One program with a stream for each app.
+std::vector<std::unique_ptr<TonePlayer>> startShared(PrivateSession& session, int count) {
+  std::vector<std::unique_ptr<TonePlayer>> program;
+  program.push_back(std::make_unique<TonePlayer>(
+      session, ToneOptions{.name = "shared", .signal = Signal::sine(440, 0.01), .streams = 0}));
   for (int i = 0; i < count; ++i) {
-    plemora.waitForApp(nameOf(i));
-    plemora.must({"volume", nameOf(i), "50%"});
+    program.front()->open(nameOf(i));
   }
+  waitForApps(session, count);
+  return program;
+}
+
+void turnDown(ProgramUnderTest& plemora, const std::string& app) {
+  plemora.waitForApp(app);
+  plemora.must({"volume", app, "50%"});
 }
 
 struct Cost {
@@ -189,16 +201,28 @@ struct Round {
 };
 
 Round measureRound(const Settings& settings, const std::string& clients, int count, int quantum) {
-  const bool isPulse = clients == "pulse";
   PrivateSession session;
   session.createSinks(quantum);
-  const auto native = startApps(session, isPulse ? 0 : count, Signal::sine(440, 0.01));
-  const auto pulse = startPulseApps(session, isPulse ? count : 0);
+  std::vector<std::unique_ptr<ChildProcess>> pulse;
+  std::vector<std::unique_ptr<TonePlayer>> players;
+  if (clients == "pulse") {
+    pulse = startPulseApps(session, count);
+  } else if (clients == "shared") {
+    players = startShared(session, count);
+  } else {
+    players = startApps(session, count, Signal::sine(440, 0.01));
+  }
   Round round;
   round.direct = measureCost(session, settings.seconds, [] { return 0.0; });
   {
     ProgramUnderTest plemora(session);
-    turnDown(plemora, count);
+    if (clients == "shared") {
+      turnDown(plemora, "shared");
+    } else {
+      for (int i = 0; i < count; ++i) {
+        turnDown(plemora, nameOf(i));
+      }
+    }
     round.tapped = measureCost(session, settings.seconds,
                                [&] { return cpuMilliseconds(plemora.process().pid()); });
     round.tapped.megabytes = static_cast<double>(plemora.residentKiB()) / 1024;
@@ -306,7 +330,7 @@ void printPaths(const Settings& settings) {
     std::size_t tappedKilled = 0;
     {
       ProgramUnderTest plemora(session);
-      tappedIn = disturbed(session, [&] { turnDown(plemora, 1); });
+      tappedIn = disturbed(session, [&] { turnDown(plemora, nameOf(0)); });
       tapped = delay(session, 0.25) - direct;
       tappedKilled = disturbed(session, [&] { plemora.process().kill(); });
     }
@@ -339,7 +363,7 @@ void printIdle(const Settings& settings) {
               static_cast<double>(plemora.residentKiB()) / 1024);
   std::printf("Wake-ups per second while nothing plays: %.2f\n", wakeUpsPerSecond());
   auto apps = startApps(session, 1, Signal::sine(440, 0.1));
-  turnDown(plemora, 1);
+  turnDown(plemora, nameOf(0));
   apps[0]->pause();
   std::printf("Wake-ups per second while a tapped app is paused: %.2f\n", wakeUpsPerSecond());
   apps.clear();
@@ -392,15 +416,20 @@ int main(int argc, char** argv) {
         settings.quanta = numbers(argv[i + 1]);
       } else if (option == "--clients") {
         settings.clients = words(argv[i + 1]);
+      } else if (option == "--only-costs") {
+        settings.onlyCosts = argv[i + 1] == std::string("yes");
       } else {
         std::fprintf(stderr,
                      "usage: tap_compare [--seconds N] [--rounds N] [--apps 1,8] "
-                     "[--quanta 1024,256] [--clients native,pulse]\n");
+                     "[--quanta 1024,256] [--clients native,pulse,shared] "
+                     "[--only-costs yes]\n");
         return 2;
       }
     }
-    printPaths(settings);
-    printIdle(settings);
+    if (!settings.onlyCosts) {
+      printPaths(settings);
+      printIdle(settings);
+    }
     printCosts(settings);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "tap_compare: %s\n", error.what());

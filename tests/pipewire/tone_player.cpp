@@ -1,7 +1,7 @@
 // Plays generated samples as any app would, told by its stdin what to do:
 //   tone_player NAME SIGNAL CHANNELS RATE [TARGET]
-// Commands: open, close N, pause N, resume N. Writes "N STATE" whenever a stream's state changes.
-// Ends when its stdin does.
+// Commands: open [NODE], close N, pause N, resume N. The node is called NAME unless told. Writes "N
+// STATE" whenever a stream's state changes. Ends when its stdin does.
 
 #include <pipewire/pipewire.h>
 #include <spa/param/audio/format-utils.h>
@@ -33,11 +33,11 @@ struct Format {
 
 class ToneStream {
  public:
-  ToneStream(pw_core* core, const Format& format, std::size_t number)
+  ToneStream(pw_core* core, const Format& format, const std::string& node, std::size_t number)
       : format_(format), number_(number) {
     auto* properties = pw_properties_new(
         PW_KEY_MEDIA_TYPE, "Audio", PW_KEY_MEDIA_CATEGORY, "Playback", PW_KEY_MEDIA_ROLE, "Music",
-        PW_KEY_NODE_NAME, format.name.c_str(), PW_KEY_APP_NAME, format.name.c_str(), nullptr);
+        PW_KEY_NODE_NAME, node.c_str(), PW_KEY_APP_NAME, format.name.c_str(), nullptr);
     if (!format.target.empty()) {
       pw_properties_set(properties, "target.object", format.target.c_str());
     }
@@ -146,10 +146,13 @@ int play(const Format& format) {
       std::istringstream words(line);
       std::string verb;
       std::size_t number = 0;
-      words >> verb >> number;
+      words >> verb;
       if (verb == "open") {
-        streams.push_back(std::make_unique<ToneStream>(core, format, streams.size()));
-      } else if (number < streams.size() && streams[number]) {
+        std::string node;
+        const bool isNamed = !(words >> node).fail();
+        streams.push_back(std::make_unique<ToneStream>(core, format, isNamed ? node : format.name,
+                                                       streams.size()));
+      } else if (words >> number; number < streams.size() && streams[number]) {
         if (verb == "close") {
           streams[number].reset();
         } else {

@@ -84,8 +84,8 @@ TonePlayer::TonePlayer(PrivateSession& session, ToneOptions options)
   }
 }
 
-int TonePlayer::open() {
-  process_->writeLine("open");
+int TonePlayer::open(const std::string& node) {
+  process_->writeLine("open " + node);
   states_.emplace_back("unconnected");
   return static_cast<int>(states_.size()) - 1;
 }

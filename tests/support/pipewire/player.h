@@ -41,11 +41,11 @@ class TonePlayer {
 
   ChildProcess& process() { return *process_; }
   pid_t pid() const { return process_->pid(); }
-  /// Name of the nodes of its streams.
+  /// Name of the nodes of its streams, but those that were given another.
   const std::string& name() const { return options_.name; }
 
-  /// Opens one more stream and returns its number.
-  int open();
+  /// Opens one more stream and returns its number. Its node is called as the player unless told.
+  int open(const std::string& node = {});
   void close(int stream);
   void pause(int stream = 0);
   void resume(int stream = 0);
