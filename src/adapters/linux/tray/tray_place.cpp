@@ -73,9 +73,9 @@ std::optional<TrayShade> TrayPlace::shade() {
 std::optional<TrayPlace::Panel> TrayPlace::panelAt(QPoint point) {
   std::optional<Panel> found;
   if (x11_) {
-    for (const xcb_window_t window : x11_->docks()) {
-      if (const auto rect = x11_->shownRect(window); rect && rect->contains(point)) {
-        found = Panel{window, *rect};
+    for (const Panel& panel : x11_->docks()) {
+      if (panel.rect.contains(point)) {
+        found = panel;
       }
     }
   }
@@ -84,12 +84,11 @@ std::optional<TrayPlace::Panel> TrayPlace::panelAt(QPoint point) {
 
 std::optional<TrayPlace::Panel> TrayPlace::panelInLine(QPoint point) {
   if (x11_) {
-    for (const xcb_window_t window : x11_->docks()) {
-      const auto rect = x11_->shownRect(window);
-      if (rect && (rect->width() >= rect->height()
-                       ? point.y() >= rect->top() && point.y() <= rect->bottom()
-                       : point.x() >= rect->left() && point.x() <= rect->right())) {
-        return Panel{window, *rect};
+    for (const Panel& panel : x11_->docks()) {
+      const QRect& rect = panel.rect;
+      if (rect.width() >= rect.height() ? point.y() >= rect.top() && point.y() <= rect.bottom()
+                                        : point.x() >= rect.left() && point.x() <= rect.right()) {
+        return panel;
       }
     }
   }
@@ -98,11 +97,8 @@ std::optional<TrayPlace::Panel> TrayPlace::panelInLine(QPoint point) {
 
 std::optional<TrayPlace::Panel> TrayPlace::anyPanel() {
   if (x11_) {
-    for (const xcb_window_t window : x11_->docks()) {
-      if (const auto rect = x11_->shownRect(window)) {
-        return Panel{window, *rect};
-      }
-    }
+    const std::vector<Panel> panels = x11_->docks();
+    return panels.empty() ? std::nullopt : std::optional(panels.front());
   }
   return std::nullopt;
 }

@@ -30,10 +30,7 @@ class TrayPlace {
   static QRect squareIn(const QRect& panel, QPoint point);
 
  private:
-  struct Panel {
-    xcb_window_t window;
-    QRect rect;
-  };
+  using Panel = X11Link::Dock;
   std::optional<Panel> panelAt(QPoint point);
   /// One beyond whose end the point lies.
   std::optional<Panel> panelInLine(QPoint point);

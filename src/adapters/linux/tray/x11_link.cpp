@@ -77,6 +77,7 @@ XcbReply<Reply> X11Link::wait(Cookie cookie,
 
 void X11Link::dispatch() {
   isDispatchDue_ = false;
+  docks_.reset();
   while (XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(connection_)}) {
     if (handler_) {
       handler_(*event);
@@ -141,7 +142,16 @@ QImage X11Link::picture(xcb_window_t window, const QRect& part) {
   return image;
 }
 
-std::vector<xcb_window_t> X11Link::docks() {
+// A click asks several times where the icon is, and the server is busy showing that it came.
+std::vector<X11Link::Dock> X11Link::docks() {
+  if (!docks_) {
+    docks_ = findDocks();
+    dispatchLater();
+  }
+  return *docks_;
+}
+
+std::vector<X11Link::Dock> X11Link::findDocks() {
   // Without a window manager there is no list of clients; the root's children are asked too.
   std::vector<xcb_window_t> windows = property(screen_->root, "_NET_CLIENT_LIST_STACKING");
   if (const auto tree = wait(xcb_query_tree(connection_, screen_->root), xcb_query_tree_reply)) {
@@ -154,15 +164,20 @@ std::vector<xcb_window_t> X11Link::docks() {
   for (const xcb_window_t window : windows) {
     cookies.push_back(xcb_get_property(connection_, 0, window, type, XCB_ATOM_ATOM, 0, mostValues));
   }
-  std::vector<xcb_window_t> docks;
+  std::vector<xcb_window_t> found;
   for (std::size_t i = 0; i < windows.size(); ++i) {
     const auto reply = wait(cookies[i], xcb_get_property_reply);
     const auto types = values(reply.get());
     if (std::find(types.begin(), types.end(), dock) != types.end()) {
-      docks.push_back(windows[i]);
+      found.push_back(windows[i]);
     }
   }
-  std::erase_if(docks, [this](xcb_window_t window) { return !shownRect(window); });
+  std::vector<Dock> docks;
+  for (const xcb_window_t window : found) {
+    if (const auto rect = shownRect(window)) {
+      docks.push_back({window, *rect});
+    }
+  }
   return docks;
 }
 

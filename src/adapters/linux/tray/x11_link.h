@@ -55,11 +55,17 @@ class X11Link {
   /// What a window shows, its children included; null when it cannot be read.
   QImage picture(xcb_window_t window, const QRect& part);
 
-  /// Windows of panels and docks that are shown, the uppermost last.
-  std::vector<xcb_window_t> docks();
+  /// A window of a panel or dock that is shown.
+  struct Dock {
+    xcb_window_t window;
+    QRect rect;
+  };
+  /// The uppermost last. Within one turn of the event loop the server is asked once.
+  std::vector<Dock> docks();
 
  private:
   X11Link(xcb_connection_t* connection, int number);
+  std::vector<Dock> findDocks();
   void dispatch();
   void dispatchLater();
   template <typename Reply, typename Cookie>
@@ -73,6 +79,7 @@ class X11Link {
   EventHandler handler_;
   std::unique_ptr<QSocketNotifier> readable_;
   bool isDispatchDue_ = false;
+  std::optional<std::vector<Dock>> docks_;  ///< until the next turn
 };
 
 }  // namespace plemora
