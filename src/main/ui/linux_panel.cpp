@@ -7,6 +7,7 @@
 
 #include "adapters/linux/tray/tray_advice.h"
 #include "base/log.h"
+#include "main/ui/loader_tables.h"
 #include "menubar/menu_bar_services.h"
 
 namespace plemora {
@@ -16,6 +17,7 @@ namespace {
 constexpr Logger logger("program");
 
 constexpr double readyingDelay = 0.5;  // seconds
+constexpr double settlingDelay = 0.5;  // once the panel is there
 
 /// What to do while the program may not change the sound.
 std::string audioAdvice(bool hasSoundServer) {
@@ -109,6 +111,7 @@ void LinuxPanel::setUp() {
 PanelParts* LinuxPanel::parts() {
   if (!parts_) {
     std::string problem;
+    const LoaderTables tables;
     PanelModule* module = loadPanelModule(problem);
     if (module == nullptr) {
       logger.error("the panel cannot be loaded: " + problem);
@@ -117,6 +120,7 @@ PanelParts* LinuxPanel::parts() {
       return nullptr;
     }
     parts_ = module->makeParts(desktop_, queue_);
+    settling_ = queue_.after(settlingDelay, [tables] { tables.release(); });
   }
   return parts_.get();
 }

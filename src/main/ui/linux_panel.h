@@ -77,6 +77,7 @@ class LinuxPanel : public Panel {
   StatusItemController controller_;
   DesktopSetup setup_;
   Timer readying_;
+  Timer settling_;
 };
 
 }  // namespace plemora
