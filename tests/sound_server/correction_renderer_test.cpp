@@ -177,6 +177,42 @@ TEST_F(CorrectionRendererTest, StreamsOfOneTapShareOneCallAndTapsOfOneSinkOneOut
   }
 }
 
+TEST_F(CorrectionRendererTest, WhatTheStreamsOfATapPlayThemselvesIsTakenAway) {
+  struct Case {
+    const char* what;
+    std::vector<std::uint32_t> direct;  ///< of each stream: channels that it reaches by itself
+    std::vector<float> weights;
+  };
+  const Case cases[] = {
+      {"all alike", {3, 3, 3, 3, 3}, {1, 1, 1, 1, 1}},
+      {"one on another channel", {3, 3, 1, 3}, {1, 1, 1, 1}},
+      {"one not yet there", {3, 3, 3}, {1, 0, 1}},
+  };
+  for (const Case& given : cases) {
+    SCOPED_TRACE(given.what);
+    Tap tap(0.25f);
+    CorrectionPlan plan{{&tap.block, 0, {}}};
+    std::vector<std::unique_ptr<CorrectionSlot>> slots;
+    std::vector<float> wanted(2 * std::size_t{frames}, 0.0f);
+    for (std::uint32_t i = 0; i < given.direct.size(); ++i) {
+      slots.push_back(slotAt(2 * i, 0, given.weights[i], given.direct[i]));
+      plan[0].slots.push_back(slots.back().get());
+      for (std::uint32_t c = 0; c < 2; ++c) {
+        const auto samples = ports.stream(2 * i + c, 1.0f / static_cast<float>(i + c + 1));
+        const float direct = (given.direct[i] >> c & 1u) != 0 ? 1.0f : 0.0f;
+        for (std::uint32_t k = 0; k < frames; ++k) {
+          wanted[c * frames + k] += given.weights[i] * (0.25f - direct) * samples[k];
+        }
+      }
+    }
+    ports.sink(0, 2);
+    cycle(plan);
+    for (std::uint32_t k = 0; k < 2 * frames; ++k) {
+      EXPECT_NEAR(out(0, k / frames)[k % frames], wanted[k], 1e-6f) << k;
+    }
+  }
+}
+
 TEST_F(CorrectionRendererTest, MissingPortsAreSilentAndWhatNobodyWritesIsCleared) {
   const auto right = ports.stream(1, 1.0f);
   ports.sink(0, 2);

@@ -17,6 +17,9 @@ constexpr std::size_t cacheLine = 64;
 /// Of each channel this much is fetched ahead; for what follows the processor sees the pattern.
 constexpr std::size_t fetchedBytes = 4096;
 
+/// Streams of one app whose samples are fetched ahead; those of many would push each other out.
+constexpr std::size_t fetchedStreams = 3;
+
 void fetch(const void* from, std::size_t bytes) {
   const auto* const first = static_cast<const char*>(from);
   for (std::size_t offset = 0; offset < bytes; offset += cacheLine) {
@@ -120,6 +123,12 @@ struct Share {
   bool isHeardElsewhere;  ///< only the direct path is to be taken away
 };
 
+// Streams of a tap that are all there and play to the same channels of the same sink.
+struct Alike {
+  const CorrectionSlot* slot = nullptr;  ///< one of them; null: they differ
+  std::uint32_t direct = 0;              ///< channels that they reach by themselves
+};
+
 class TapCycle {
  public:
   TapCycle(std::uint64_t cycle, std::uint32_t frames, std::uint32_t offset, CorrectionPorts& ports,
@@ -140,13 +149,8 @@ class TapCycle {
     }
   }
   void fetchSamples(const CorrectionTap& tap) {
-    const std::size_t bytes = std::min(frames_ * sizeof(float), fetchedBytes);
-    for (const CorrectionSlot* slot : tap.slots) {
-      for (std::uint32_t c = 0; c < std::min(slot->channels, maxCorrectionChannels); ++c) {
-        if (const float* samples = portInput(*slot, c)) {
-          fetch(samples, bytes);
-        }
-      }
+    for (std::size_t i = 0; i < std::min(tap.slots.size(), fetchedStreams); ++i) {
+      fetchSamples(*tap.slots[i]);
     }
   }
 
@@ -169,6 +173,15 @@ class TapCycle {
   }
 
  private:
+  void fetchSamples(const CorrectionSlot& slot) {
+    const std::size_t bytes = std::min(frames_ * sizeof(float), fetchedBytes);
+    for (std::uint32_t c = 0; c < std::min(slot.channels, maxCorrectionChannels); ++c) {
+      if (const float* samples = portInput(slot, c)) {
+        fetch(samples, bytes);
+      }
+    }
+  }
+
   const float* portInput(const CorrectionSlot& slot, std::uint32_t channel) {
     const float* samples = ports_.input(slot.port + channel);
     return samples == nullptr ? nullptr : samples + offset_;
@@ -220,9 +233,24 @@ class TapCycle {
     return {&slot, from, to, slot.passedIn == cycle_};
   }
 
+  // The streams that take part, when what they play by themselves is just the sum of the input.
+  Alike findAlike() const {
+    if (shares_ == 0) {
+      return {};
+    }
+    const CorrectionSlot& first = *share_[0].slot;
+    const Alike alike{&first, first.directChannels.load(std::memory_order_relaxed)};
+    const bool isAlike =
+        std::all_of(share_.begin(), share_.begin() + shares_, [&](const Share& share) {
+          return share.from == 1.0f && share.to == 1.0f && !share.isHeardElsewhere &&
+                 share.slot->group == first.group && share.slot->channels == first.channels &&
+                 share.slot->directChannels.load(std::memory_order_relaxed) == alike.direct;
+        });
+    return isAlike ? alike : Alike{};
+  }
+
   void collectInput(const CorrectionTap& tap) {
     channels_ = 0;
-    single_ = nullptr;
     shares_ = 0;
     // A stream beyond the limit of a cycle keeps its direct path.
     for (CorrectionSlot* slot : tap.slots) {
@@ -242,11 +270,10 @@ class TapCycle {
         channels_ = std::max(channels_, std::min(slot->channels, maxCorrectionChannels));
       }
     }
-    if (shares_ == 1 && share_[0].from == 1.0f && share_[0].to == 1.0f &&
-        !share_[0].isHeardElsewhere) {
-      single_ = share_[0].slot;
+    alike_ = findAlike();
+    if (shares_ == 1 && alike_.slot != nullptr) {
       for (std::uint32_t c = 0; c < channels_; ++c) {
-        const float* samples = portInput(*single_, c);
+        const float* samples = portInput(*alike_.slot, c);
         input_[c] = samples == nullptr ? scratch_.silence() : samples;
       }
       return;
@@ -257,6 +284,9 @@ class TapCycle {
     }
     for (std::size_t i = 0; i < shares_; ++i) {
       const Share& share = share_[i];
+      if (i + fetchedStreams < shares_) {
+        fetchSamples(*share_[i + fetchedStreams].slot);
+      }
       if (share.isHeardElsewhere) {
         continue;
       }
@@ -270,10 +300,9 @@ class TapCycle {
 
   void addOutput(const CorrectionTap& tap, std::uint32_t outChannels) {
     // The usual case in one pass, so that silencing a stream is exact beside any other.
-    if (single_ != nullptr && single_->group == tap.group && outChannels == channels_) {
-      const auto direct = single_->directChannels.load(std::memory_order_relaxed);
+    if (alike_.slot != nullptr && alike_.slot->group == tap.group && outChannels == channels_) {
       for (std::uint32_t c = 0; c < channels_; ++c) {
-        if ((direct >> c & 1u) != 0) {
+        if ((alike_.direct >> c & 1u) != 0) {
           outputs_.addDifference(tap.group, c, scratch_.output(c), input_[c]);
         } else {
           outputs_.add(tap.group, c, scratch_.output(c));
@@ -304,7 +333,7 @@ class TapCycle {
   Outputs& outputs_;
 
   std::uint32_t channels_ = 0;
-  const CorrectionSlot* single_ = nullptr;
+  Alike alike_;
   std::array<const float*, maxCorrectionChannels> input_{};
   std::array<AudioBuffer, maxCorrectionChannels> inList_;
   std::array<AudioBuffer, maxCorrectionChannels> outList_;
