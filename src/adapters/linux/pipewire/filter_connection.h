@@ -11,15 +11,14 @@
 
 namespace plemora {
 
-/// A connection to the server for filters and their links alone. The library reads from the server
-/// through a buffer of 32 KiB. When more comes at once it can lose the descriptors of memory that
-/// came along, and takes others for them: then streams fall silent on every link made later. So
-/// what is much, the announcements of the graph, goes over another connection, links are asked for
-/// a few at a time, and a connection that has lost its memory all the same is noticed. With the
-/// loop's lock held.
+/// A connection to the server for filters and their links alone. When much comes at once, the
+/// library can take the descriptor of one block of memory for that of another, and from then on
+/// nothing new on that connection works. So what is much, the announcements of the graph, goes over
+/// another connection, links are asked for a few at a time, and a connection whose memory is mixed
+/// up all the same is noticed. With the loop's lock held.
 class FilterConnection {
  public:
-  /// More filters are not safe: the server runs out of numbers for their memory.
+  /// With more filters too much comes at once: from 62 on memory was mixed up again and again.
   static constexpr std::size_t mostFilters = 24;
 
   /// The callback runs when the connection is spoilt.
