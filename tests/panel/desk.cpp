@@ -118,10 +118,11 @@ QRect Desk::icon() {
 
 bool Desk::showsIcon() {
   return eventually(patience, [this] {
-    if (bar().isEmpty()) {
+    const QRect place = icon().adjusted(4, 4, -4, -4);
+    // A bar that has just come may still be on its way onto the screen.
+    if (bar().isEmpty() || !display_.reaches(place)) {
       return false;
     }
-    const QRect place = icon().adjusted(4, 4, -4, -4);
     const unsigned corner = display_.pixel(place.topLeft());
     for (int x = place.left(); x <= place.right(); ++x) {
       const unsigned middle = display_.pixel({x, place.center().y()});

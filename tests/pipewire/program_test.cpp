@@ -247,6 +247,12 @@ TEST_F(Program, KeepsLevelsOverARestartOfItself) {
 }
 
 TEST_F(Program, LeavesTheSessionManagersStateAlone) {
+  {
+    // What it writes down of a sink may wait until the sink is first used.
+    TonePlayer other(session, {.name = "other", .target = "second"});
+    ASSERT_TRUE(session.waitForLink("other", "second"));
+    ASSERT_TRUE(other.waitUntilStreaming());
+  }
   const auto tone = play({.signal = Signal::constant(0.5)});
   SinkRecorder recorder(session, "first");
   plemora->must({"volume", "tone", "50%"});

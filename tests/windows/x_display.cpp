@@ -186,11 +186,17 @@ void XDisplay::reserve(xcb_window_t window, const std::array<std::uint32_t, 12>&
   sync();
 }
 
+bool XDisplay::reaches(const QRect& area) {
+  return frameOf(screen_->root).contains(area);
+}
+
 unsigned XDisplay::pixel(const QPoint& point) {
   const auto cookie = xcb_get_image(xcb_, XCB_IMAGE_FORMAT_Z_PIXMAP, screen_->root,
                                     place16(point.x()), place16(point.y()), 1, 1, ~0U);
   const X11Owned<xcb_get_image_reply_t> reply(xcb_get_image_reply(xcb_, cookie, nullptr));
-  return *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get())) & 0xffffffU;
+  return reply
+             ? *reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(reply.get())) & 0xffffffU
+             : 0;
 }
 
 QRect XDisplay::frameOf(xcb_window_t window) {

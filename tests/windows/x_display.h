@@ -50,7 +50,9 @@ class XDisplay {
   /// Makes a dock of it: _NET_WM_STRUT_PARTIAL.
   void reserve(xcb_window_t window, const std::array<std::uint32_t, 12>& strut);
 
-  /// What the screen shows, 0xRRGGBB.
+  /// Whether all of the area is on the screen.
+  bool reaches(const QRect& area);
+  /// What the screen shows, 0xRRGGBB; beyond its edges black.
   unsigned pixel(const QPoint& point);
   QRect frameOf(xcb_window_t window);
   bool isShown(xcb_window_t window);
