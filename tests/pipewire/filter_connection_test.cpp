@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <mutex>
 #include <vector>
 
 #include "pipewire/tap_rig.h"
@@ -16,8 +17,27 @@
 namespace plemora::rig {
 namespace {
 
-/// All connections that this process has made, the rig's among them.
-std::vector<pw_core*> connections;
+/// All connections that this process has made, the rig's among them. Any thread.
+class Connections {
+ public:
+  void add(pw_core* core) {
+    const std::lock_guard lock(mutex_);
+    made_.push_back(core);
+  }
+  std::size_t count() {
+    const std::lock_guard lock(mutex_);
+    return made_.size();
+  }
+  pw_core* last() {
+    const std::lock_guard lock(mutex_);
+    return made_.back();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::vector<pw_core*> made_;
+};
+Connections connections;
 
 /// From here on the numbers of the connection's memory differ from the server's.
 void mixUpMemory(TapRig& rig, pw_core* core) {
@@ -45,17 +65,17 @@ TEST(Tap, MovesOnWhenTheMemoryOfItsConnectionIsMixedUp) {
   const auto tone = rig.play({.signal = Signal::constant(0.25)});
   SinkRecorder recorder(rig.session, "first");
   ASSERT_TRUE(rig.hears(recorder, 0.25f));
-  const std::size_t before = connections.size();
+  const std::size_t before = connections.count();
   auto tap = rig.tap(*tone, 0.25f);
   ASSERT_TRUE(tap);
   ASSERT_TRUE(rig.hears(recorder, 0.0625f));
-  ASSERT_EQ(connections.size(), before + 1);
+  ASSERT_EQ(connections.count(), before + 1);
 
-  ASSERT_NO_FATAL_FAILURE(mixUpMemory(rig, connections.back()));
+  ASSERT_NO_FATAL_FAILURE(mixUpMemory(rig, connections.last()));
   recorder.clear();
   tone->open();
   ASSERT_TRUE(rig.hears(recorder, 0.125f));
-  EXPECT_EQ(connections.size(), before + 2);
+  EXPECT_EQ(connections.count(), before + 2);
   // The new stream plays at full gain until it has a place; the old one goes to its own unheard.
   const auto heard = recorder.take();
   EXPECT_LE(*std::max_element(heard[0].begin(), heard[0].end()), 0.0625f + 0.25f + 1e-6f);
@@ -70,6 +90,6 @@ extern "C" pw_core* pw_context_connect(pw_context* context, pw_properties* prope
   const auto next =
       reinterpret_cast<decltype(&pw_context_connect)>(dlsym(RTLD_NEXT, "pw_context_connect"));
   pw_core* const core = next(context, properties, userDataSize);
-  plemora::rig::connections.push_back(core);
+  plemora::rig::connections.add(core);
   return core;
 }
