@@ -416,6 +416,13 @@ int main(int argc, char** argv) {
         settings.quanta = numbers(argv[i + 1]);
       } else if (option == "--clients") {
         settings.clients = words(argv[i + 1]);
+        for (const std::string& kind : settings.clients) {
+          const auto known = Settings().clients;
+          if (std::find(known.begin(), known.end(), kind) == known.end()) {
+            throw std::runtime_error("--clients: \"" + kind +
+                                     "\" is none of native, pulse, shared");
+          }
+        }
       } else if (option == "--only-costs") {
         settings.onlyCosts = argv[i + 1] == std::string("yes");
       } else {

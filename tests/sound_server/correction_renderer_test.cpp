@@ -319,6 +319,23 @@ TEST_F(CorrectionRendererTest, AStreamChangesFiltersWithoutASampleThatDiffers) {
   }
 }
 
+TEST_F(CorrectionRendererTest, ASuccessorWaitsForTheOutputsOfItsFilter) {
+  ports.stream(0, 1.0f);
+  ports.stream(1, 1.0f);
+  Tap tap(0.25f);
+  const auto predecessor = slotAt(4);
+  const auto slot = slotAt(0, 0, 0.0f);
+  slot->predecessor = predecessor.get();
+  slot->startsWhenFed = true;
+  const CorrectionPlan plan{{&tap.block, 0, {slot.get()}}};
+  cycle(plan);
+  EXPECT_EQ(predecessor->weight, 1.0f) << "it would be heard in neither place";
+  ports.sink(0, 2);
+  cycle(plan);
+  EXPECT_EQ(predecessor->weight, 0.0f);
+  EXPECT_EQ(slot->weight, 1.0f);
+}
+
 TEST_F(CorrectionRendererTest, CountsTheCyclesInWhichALinkedInputStaysEmpty) {
   ports.stream(0, 1.0f);
   ports.stream(1, 1.0f);

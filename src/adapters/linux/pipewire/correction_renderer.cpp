@@ -48,6 +48,16 @@ class Outputs {
     return group < groups_ ? channels_[group] : 0;
   }
 
+  /// What is written into the group's channels is heard.
+  bool reach(std::uint32_t group) {
+    for (std::uint32_t channel = 0; channel < channels(group); ++channel) {
+      if (buffers_[group][channel] == nullptr) {
+        return false;
+      }
+    }
+    return channels(group) > 0;
+  }
+
   void add(std::uint32_t group, std::uint32_t channel, const float* samples) {
     float* out = at(group, channel);
     if (out == nullptr) {
@@ -261,6 +271,10 @@ class TapCycle {
         continue;
       }
       if (slot->startsWhenFed.load(std::memory_order_relaxed)) {
+        // A filter that has just been made may have its inputs before its outputs.
+        if (!outputs_.reach(tap.group) || !outputs_.reach(slot->group)) {
+          continue;
+        }
         start(*slot);
       }
       const Share share = advance(*slot);
